@@ -1,0 +1,109 @@
+// Copyright 2026 The Veltmark authors.
+
+#include "core/error.h"
+
+#include <utility>
+
+namespace rz {
+namespace {
+
+std::string WhatText(int32_t number, const std::string& description,
+                     const std::string& source) {
+  std::string text = "error " + std::to_string(number) + ": " + description;
+  if (!source.empty()) text += " (" + source + ")";
+  return text;
+}
+
+std::string Quoted(std::string_view text) {
+  return "'" + std::string(text) + "'";
+}
+
+}  // namespace
+
+Error::Error(int32_t number, std::string description, std::string source)
+    : std::runtime_error(WhatText(number, description, source)),
+      number_(number),
+      description_(std::move(description)),
+      source_(std::move(source)) {}
+
+Error Error::WithSource(std::string_view source) const {
+  if (!source_.empty()) return *this;
+  return Error(number_, description_, std::string(source));
+}
+
+Error Error::InvalidArgument(std::string_view detail) {
+  return Error(5, "Invalid procedure call or argument: " + std::string(detail));
+}
+
+Error Error::Overflow(std::string_view value) {
+  return Error(6, "Overflow: " + Quoted(value));
+}
+
+Error Error::SubscriptOutOfRange(std::string_view detail) {
+  return Error(9, "Subscript out of range: " + std::string(detail));
+}
+
+Error Error::TypeMismatch(std::string_view value) {
+  return Error(13, "Type mismatch: " + Quoted(value));
+}
+
+Error Error::ObjectNotSet(std::string_view what) {
+  return Error(91, "Object variable not set: " + std::string(what));
+}
+
+Error Error::InvalidUseOfNull() { return Error(94, "Invalid use of Null"); }
+
+Error Error::MemberNotSupported(std::string_view member) {
+  return Error(438, "Object doesn't support this property or method: " +
+                        Quoted(member));
+}
+
+Error Error::WrongArgumentCount(std::string_view member) {
+  return Error(450, "Wrong number of arguments or invalid property assignment: " +
+                        Quoted(member));
+}
+
+Error Error::BadFileName(std::string_view path) {
+  return Error(52, "Bad file name or number: " + Quoted(path));
+}
+
+Error Error::FileNotFound(std::string_view path) {
+  return Error(53, "File not found: " + Quoted(path));
+}
+
+Error Error::PermissionDenied(std::string_view path) {
+  return Error(70, "Permission denied: " + Quoted(path));
+}
+
+Error Error::PathFileAccess(std::string_view path) {
+  return Error(75, "Path/File access error: " + Quoted(path));
+}
+
+Error Error::PathNotFound(std::string_view path) {
+  return Error(76, "Path not found: " + Quoted(path));
+}
+
+Error Error::ApplicationMissing() {
+  return Error(53, "The Veltmark Application specified does not exist",
+               "RZSelect.Initialize");
+}
+
+Error Error::NoApplication(std::string_view method) {
+  return Error(81, "No Veltmark Application is open - call Initialize first",
+               "RZSelect." + std::string(method));
+}
+
+Error Error::ViewNotFound(std::string_view view_name) {
+  return Error(kViewNotFound,
+               "Error - View '" + std::string(view_name) + "' not found!",
+               "RZSelect");
+}
+
+Error Error::NotAvailableYet(std::string_view method, std::string_view what) {
+  return Error(5,
+               std::string(method) + " is not available yet: " +
+                   std::string(what) + " is not built in this version",
+               "RZSelect." + std::string(method));
+}
+
+}  // namespace rz

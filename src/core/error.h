@@ -1,0 +1,71 @@
+// Copyright 2026 The Veltmark authors.
+//
+// rz::Error is the one exception type of the engine and its components. It
+// carries the system's error number, a description and the source that
+// raised it, as a host or a script sees them. Every number and message is
+// made by one named factory below, so each is written exactly once.
+//
+// Numbers follow the automation conventions users of the product know:
+// 5 invalid argument, 6 overflow, 9 subscript out of range, 13 type
+// mismatch, 52/53/70/75/76 file problems, 91 object not set, 94 invalid
+// use of Null, 438 member not supported; plus the system's own numbers 53
+// (application missing), 81 (no open application) and 0x80040001 (view
+// file missing).
+
+#ifndef RZ_CORE_ERROR_H_
+#define RZ_CORE_ERROR_H_
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace rz {
+
+class Error : public std::runtime_error {
+ public:
+  // The first user-defined error number; raised for a missing view file.
+  static constexpr int32_t kViewNotFound = static_cast<int32_t>(0x80040001);
+
+  Error(int32_t number, std::string description, std::string source = "");
+
+  int32_t Number() const { return number_; }
+  const std::string& Description() const { return description_; }
+  const std::string& Source() const { return source_; }
+
+  // Returns a copy whose source is `source` when this one has none.
+  Error WithSource(std::string_view source) const;
+
+  // Automation errors.
+  static Error InvalidArgument(std::string_view detail);      // 5
+  static Error Overflow(std::string_view value);              // 6
+  static Error SubscriptOutOfRange(std::string_view detail);  // 9
+  static Error TypeMismatch(std::string_view value);          // 13
+  static Error ObjectNotSet(std::string_view what);           // 91
+  static Error InvalidUseOfNull();                            // 94
+  static Error MemberNotSupported(std::string_view member);   // 438
+  static Error WrongArgumentCount(std::string_view member);   // 450
+
+  // File errors; each names the path.
+  static Error BadFileName(std::string_view path);      // 52
+  static Error FileNotFound(std::string_view path);     // 53
+  static Error PermissionDenied(std::string_view path);  // 70
+  static Error PathFileAccess(std::string_view path);   // 75
+  static Error PathNotFound(std::string_view path);     // 76
+
+  // The engine's own errors.
+  static Error ApplicationMissing();                         // 53
+  static Error NoApplication(std::string_view method);       // 81
+  static Error ViewNotFound(std::string_view view_name);     // 0x80040001
+  static Error NotAvailableYet(std::string_view method,
+                               std::string_view what);       // 5
+
+ private:
+  int32_t number_;
+  std::string description_;
+  std::string source_;
+};
+
+}  // namespace rz
+
+#endif  // RZ_CORE_ERROR_H_
