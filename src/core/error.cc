@@ -54,13 +54,14 @@ Error Error::ObjectNotSet(std::string_view what) {
 Error Error::InvalidUseOfNull() { return Error(94, "Invalid use of Null"); }
 
 Error Error::MemberNotSupported(std::string_view member) {
-  return Error(438, "Object doesn't support this property or method: " +
-                        Quoted(member));
+  return Error(
+      438, "Object doesn't support this property or method: " + Quoted(member));
 }
 
 Error Error::WrongArgumentCount(std::string_view member) {
-  return Error(450, "Wrong number of arguments or invalid property assignment: " +
-                        Quoted(member));
+  return Error(450,
+               "Wrong number of arguments or invalid property assignment: " +
+                   Quoted(member));
 }
 
 Error Error::BadFileName(std::string_view path) {
@@ -81,6 +82,10 @@ Error Error::PathFileAccess(std::string_view path) {
 
 Error Error::PathNotFound(std::string_view path) {
   return Error(76, "Path not found: " + Quoted(path));
+}
+
+Error Error::SocketInUse(std::string_view path) {
+  return Error(70, "Another program is already listening on " + Quoted(path));
 }
 
 Error Error::ApplicationMissing() {

@@ -47,18 +47,20 @@ class Error : public std::runtime_error {
   static Error WrongArgumentCount(std::string_view member);   // 450
 
   // File errors; each names the path.
-  static Error BadFileName(std::string_view path);      // 52
-  static Error FileNotFound(std::string_view path);     // 53
+  static Error BadFileName(std::string_view path);       // 52
+  static Error FileNotFound(std::string_view path);      // 53
   static Error PermissionDenied(std::string_view path);  // 70
-  static Error PathFileAccess(std::string_view path);   // 75
-  static Error PathNotFound(std::string_view path);     // 76
+  static Error PathFileAccess(std::string_view path);    // 75
+  static Error PathNotFound(std::string_view path);      // 76
+  // Another running program already listens on the socket at `path`.
+  static Error SocketInUse(std::string_view path);  // 70
 
   // The engine's own errors.
-  static Error ApplicationMissing();                         // 53
-  static Error NoApplication(std::string_view method);       // 81
-  static Error ViewNotFound(std::string_view view_name);     // 0x80040001
+  static Error ApplicationMissing();                      // 53
+  static Error NoApplication(std::string_view method);    // 81
+  static Error ViewNotFound(std::string_view view_name);  // 0x80040001
   static Error NotAvailableYet(std::string_view method,
-                               std::string_view what);       // 5
+                               std::string_view what);  // 5
 
  private:
   int32_t number_;

@@ -34,7 +34,8 @@ TEST(ErrorTest, FactoriesCarryNumberDescriptionAndSource) {
 TEST(ErrorTest, WhatNamesNumberDescriptionAndSource) {
   EXPECT_STREQ(Error::ViewNotFound("X").what(),
                "error -2147221503: Error - View 'X' not found! (RZSelect)");
-  EXPECT_STREQ(Error::InvalidUseOfNull().what(), "error 94: Invalid use of Null");
+  EXPECT_STREQ(Error::InvalidUseOfNull().what(),
+               "error 94: Invalid use of Null");
 }
 
 TEST(ErrorTest, WithSourceKeepsAnExistingSource) {

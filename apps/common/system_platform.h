@@ -1,0 +1,41 @@
+// Copyright 2026 The Veltmark authors.
+//
+// SystemPlatform wires the real components into the engine for the host
+// programs: the trace channel (a running rzdebug found on its socket), the
+// command line's console toolkit and the system clock. Components that are
+// not built in this version (application files, the repository, the
+// input-file reader) raise error 5 naming themselves when asked for;
+// CreateScriptEngine answers null (no engine can be created), which the
+// engine treats as "no scripts".
+
+#ifndef RZ_APPS_COMMON_SYSTEM_PLATFORM_H_
+#define RZ_APPS_COMMON_SYSTEM_PLATFORM_H_
+
+#include <memory>
+
+#include "common/console_toolkit.h"
+#include "platform/platform.h"
+
+namespace rz {
+
+class SystemPlatform : public Platform {
+ public:
+  // Uses `toolkit` for the user interface (not owned; must outlive this).
+  explicit SystemPlatform(Toolkit& toolkit) : toolkit_(toolkit) {}
+
+  std::shared_ptr<AppFile> CreateAppFile() override;
+  std::shared_ptr<Repository> CreateRepository() override;
+  std::shared_ptr<InputFileReader> CreateInputFileReader() override;
+  std::unique_ptr<ScriptEngine> CreateScriptEngine() override;
+  std::unique_ptr<TraceSink> FindTraceSink() noexcept override;
+  Toolkit& UserInterface() override { return toolkit_; }
+  // The local date-time of the system clock as a day count.
+  double Now() override;
+
+ private:
+  Toolkit& toolkit_;
+};
+
+}  // namespace rz
+
+#endif  // RZ_APPS_COMMON_SYSTEM_PLATFORM_H_

@@ -1,0 +1,191 @@
+// Copyright 2026 The Veltmark authors.
+
+#include "engine/rzselect.h"
+
+#include <algorithm>
+
+#include "core/error.h"
+#include "core/text.h"
+#include "platform/app_file.h"
+#include "platform/platform.h"
+#include "platform/repository.h"
+#include "platform/trace.h"
+
+#ifndef RZ_VERSION
+#error "RZ_VERSION must be defined by the build"
+#endif
+
+namespace rz {
+namespace {
+
+constexpr std::string_view kStarted = "Started";
+constexpr std::string_view kEnded = "Ended";
+
+}  // namespace
+
+std::shared_ptr<RZselect> RZselect::Create(std::shared_ptr<Platform> platform) {
+  std::shared_ptr<RZselect> engine(new RZselect(std::move(platform)));
+  engine->state_->SelfRef = engine;
+  return engine;
+}
+
+RZselect::RZselect(std::shared_ptr<Platform> platform)
+    : state_(NewViewState(std::move(platform))) {
+  TraceMethod("Class_Initialize", "Started  V" + std::string(Version()));
+  TraceMethod("Class_Initialize", kEnded);
+}
+
+RZselect::~RZselect() {
+  TraceMethod("Class_Terminate", kStarted);
+  state_->Where.reset();
+  state_->ResultField.reset();
+  state_->ReportStatistics.reset();
+  state_->WorkFields.reset();
+  state_->WorkWhere.reset();
+  if (state_->AppFile) {
+    // A destructor cannot report: a failing close leaves the files as the
+    // component left them.
+    try {
+      state_->AppFile->CloseApplication();
+    } catch (const std::exception&) {
+    }
+    state_->AppFile.reset();
+  }
+  state_->DataSource.reset();
+  TraceMethod("Class_Terminate", kEnded);
+}
+
+std::string_view RZselect::Version() { return RZ_VERSION; }
+
+void RZselect::SetWhere(std::shared_ptr<WhereTypes> list) {
+  if (!list) throw Error::ObjectNotSet("Where");
+  state_->Where = std::move(list);
+}
+
+void RZselect::SetReportStatistics(std::shared_ptr<StatTypes> list) {
+  if (!list) throw Error::ObjectNotSet("ReportStatistics");
+  state_->ReportStatistics = std::move(list);
+}
+
+void RZselect::SetResultField(std::shared_ptr<ResultFieldTypes> list) {
+  if (!list) throw Error::ObjectNotSet("ResultField");
+  state_->ResultField = std::move(list);
+}
+
+void RZselect::Initialize(bool RunFromRZ) {
+  TraceMethod("Initialize", kStarted);
+  (void)RunFromRZ;
+  throw Error::NotAvailableYet("Initialize",
+                               "opening applications and loading views");
+}
+
+void RZselect::LoadView(const std::string& ViewName) {
+  TraceMethod("LoadView", "LoadView=" + ViewName);
+  throw Error::NotAvailableYet("LoadView", "the view file reader");
+}
+
+void RZselect::SaveView(const std::string& ViewName,
+                        const std::string& Filename) {
+  TraceMethod("SaveView", "SaveView=" + ViewName);
+  (void)Filename;
+  throw Error::NotAvailableYet("SaveView", "the view file writer");
+}
+
+void RZselect::Show(std::shared_ptr<Repository> DataSource,
+                    rzSelectTabs MyGotoTab) {
+  TraceMethod("Show", kStarted);
+  RequireApplication("Show");
+  (void)DataSource;
+  (void)MyGotoTab;
+  throw Error::NotAvailableYet("Show", "the view wizard");
+}
+
+void RZselect::Refresh(std::shared_ptr<Repository> DataSource, bool FireEvent) {
+  TraceMethod("Refresh", kStarted);
+  RequireApplication("Refresh");
+  (void)DataSource;
+  (void)FireEvent;
+  throw Error::NotAvailableYet("Refresh", "the run");
+}
+
+void RZselect::SaveRepository(std::shared_ptr<Repository> DataSource,
+                              const std::string& Filename) {
+  TraceMethod("SaveRepository", kStarted);
+  RequireApplication("SaveRepository");
+  if (!DataSource) throw Error::NoApplication("SaveRepository");
+  (void)Filename;
+  throw Error::NotAvailableYet("SaveRepository", "the repository export");
+}
+
+bool RZselect::CheckSecurity(const std::string& RZFunction) {
+  TraceMethod("CheckSecurity", "Function=" + RZFunction);
+  state_->UserIdentification.clear();
+  if (!state_->AppFile) throw Error::ObjectNotSet("RZaccess");
+  const std::string secured = state_->AppFile->SecuredFunctions();
+  // A plain substring test: a listed name also protects every name it
+  // contains. The empty name is contained in any non-empty list.
+  const bool is_secured =
+      !secured.empty() && ContainsIgnoreCase(secured, RZFunction);
+  if (is_secured) {
+    throw Error::NotAvailableYet("CheckSecurity", "the security hook");
+  }
+  TraceMethod("CheckSecurity", "UserID=" + state_->UserIdentification);
+  return true;
+}
+
+Variant RZselect::GetScriptModules() {
+  TraceMethod("GetScriptModules", kStarted);
+  throw Error::NotAvailableYet("GetScriptModules", "the script host");
+}
+
+void RZselect::ExecuteScriptModule(const std::string& ModuleName,
+                                   std::shared_ptr<Dispatch> objSelect,
+                                   std::shared_ptr<Dispatch> objRep) {
+  TraceMethod("ExecuteScriptModule", "Script: " + ModuleName);
+  (void)objSelect;
+  (void)objRep;
+  throw Error::NotAvailableYet("ExecuteScriptModule", "the script host");
+}
+
+void RZselect::ReleaseObject() {
+  TraceMethod("ReleaseObject", kStarted);
+  state_->SelfRef.reset();
+  TraceMethod("ReleaseObject", kEnded);
+}
+
+std::shared_ptr<RZselect> RZselect::SelfRef() const {
+  return std::static_pointer_cast<RZselect>(state_->SelfRef.lock());
+}
+
+void RZselect::AddEventHandler(RZselectEvents* handler) {
+  if (handler == nullptr) throw Error::ObjectNotSet("event handler");
+  handlers_.push_back(handler);
+}
+
+void RZselect::RemoveEventHandler(RZselectEvents* handler) {
+  handlers_.erase(std::remove(handlers_.begin(), handlers_.end(), handler),
+                  handlers_.end());
+}
+
+void RZselect::RaiseOpenDataSource(bool& cancel) {
+  for (RZselectEvents* handler : handlers_) handler->OpenDataSource(cancel);
+}
+
+void RZselect::RaiseWriteDataSource(bool& cancel) {
+  for (RZselectEvents* handler : handlers_) handler->WriteDataSource(cancel);
+}
+
+void RZselect::RaiseCloseDataSource(bool& cancel) {
+  for (RZselectEvents* handler : handlers_) handler->CloseDataSource(cancel);
+}
+
+void RZselect::TraceMethod(std::string_view procedure,
+                           std::string_view message) {
+  Trace(*state_->platform, kWriterClass, procedure, message);
+}
+
+void RZselect::RequireApplication(std::string_view method) const {
+  if (!state_->AppFile) throw Error::NoApplication(method);
+}
+
+}  // namespace rz
