@@ -40,20 +40,6 @@ std::string UpperAscii(std::string text) {
   return text;
 }
 
-LimitKind LimitFromArgument(const Variant& argument) {
-  if (argument.IsString()) {
-    if (auto limit = FieldDefinition::LimitForKey(argument.ToString())) {
-      return *limit;
-    }
-    throw Error::InvalidArgument("limit " + argument.ToString());
-  }
-  const int32_t index = argument.ToLong();
-  if (index < 1 || index > kLimitCount) {
-    throw Error::InvalidArgument("limit " + std::to_string(index));
-  }
-  return static_cast<LimitKind>(index - 1);
-}
-
 }  // namespace
 
 std::string_view FieldDefinition::KeyOf(FieldAttribute attribute) {
@@ -79,6 +65,20 @@ std::optional<LimitKind> FieldDefinition::LimitForKey(std::string_view key) {
     if (SameMemberName(kLimitKeys[i], key)) return static_cast<LimitKind>(i);
   }
   return std::nullopt;
+}
+
+LimitKind FieldDefinition::LimitForArgument(const Variant& argument) {
+  if (argument.IsString()) {
+    if (auto limit = LimitForKey(argument.ToString())) {
+      return *limit;
+    }
+    throw Error::InvalidArgument("limit " + argument.ToString());
+  }
+  const int32_t index = argument.ToLong();
+  if (index < 1 || index > kLimitCount) {
+    throw Error::InvalidArgument("limit " + std::to_string(index));
+  }
+  return static_cast<LimitKind>(index - 1);
 }
 
 const Variant& FieldDefinition::Get(FieldAttribute attribute) const {
@@ -155,7 +155,7 @@ Variant FieldDefinition::Invoke(std::string_view name, InvokeKind kind,
   if (!limit_accessor) throw Error::MemberNotSupported(name);
   const bool method = SameMemberName(name, "LimitMethod");
   if (args.size() != limit_args) throw Error::WrongArgumentCount(name);
-  const LimitKind limit = LimitFromArgument(args[0]);
+  const LimitKind limit = LimitForArgument(args[0]);
   Limit& entry = limits_[static_cast<int>(limit)];
   if (!write) return method ? Variant(entry.method) : Variant(entry.value);
   if (method) {

@@ -87,6 +87,9 @@ class FieldDefinition : public Dispatch {
   // The attribute or limit stored under a key, ignoring case.
   static std::optional<FieldAttribute> AttributeForKey(std::string_view key);
   static std::optional<LimitKind> LimitForKey(std::string_view key);
+  // The limit a late-bound argument names: "USL".."LSL" (any case) or
+  // 1..7; anything else raises error 5.
+  static LimitKind LimitForArgument(const Variant& argument);
 
   const Variant& Get(FieldAttribute attribute) const;
   void Set(FieldAttribute attribute, Variant value);

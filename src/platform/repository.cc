@@ -13,21 +13,6 @@ bool IsWrite(InvokeKind kind) {
   return kind == InvokeKind::kPut || kind == InvokeKind::kPutRef;
 }
 
-// The limit named by a Dispatch argument: "USL".."LSL" or 1..7.
-LimitKind LimitFromArgument(const Variant& argument) {
-  if (argument.IsString()) {
-    if (auto limit = FieldDefinition::LimitForKey(argument.ToString())) {
-      return *limit;
-    }
-    throw Error::InvalidArgument("limit " + argument.ToString());
-  }
-  const int32_t index = argument.ToLong();
-  if (index < 1 || index > kLimitCount) {
-    throw Error::InvalidArgument("limit " + std::to_string(index));
-  }
-  return static_cast<LimitKind>(index - 1);
-}
-
 // LimitValue always names a limit. LimitMethod shares its name with the
 // LIMITMETHOD attribute: it names a limit only when it carries the limit
 // argument (one argument to read, two to write).
@@ -117,7 +102,8 @@ Variant RepositoryField::GetMember(std::string_view name, DispatchArgs& args) {
   const bool limit_method = SameMemberName(name, "LimitMethod");
   if (IsLimitAccess(name, args.size(), 1)) {
     RequireArguments(args, 1, name);
-    const RepositoryLimit& limit = Limit(LimitFromArgument(args[0]));
+    const RepositoryLimit& limit =
+        Limit(FieldDefinition::LimitForArgument(args[0]));
     return limit_method ? Variant(limit.method) : Variant(limit.value);
   }
   RequireArguments(args, 0, name);
@@ -135,7 +121,7 @@ void RepositoryField::PutMember(std::string_view name, DispatchArgs& args) {
   const bool limit_method = SameMemberName(name, "LimitMethod");
   if (IsLimitAccess(name, args.size(), 2)) {
     RequireArguments(args, 2, name);
-    RepositoryLimit& limit = Limit(LimitFromArgument(args[0]));
+    RepositoryLimit& limit = Limit(FieldDefinition::LimitForArgument(args[0]));
     if (limit_method) {
       limit.method = args[1].ToInteger();
     } else {

@@ -4,18 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include "support/error_number.h"
+
 namespace rz {
 namespace {
-
-template <typename F>
-int ErrorOf(F action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 // A small collection with an indexed property, a read-only property, a
 // method with optional arguments and a by-reference parameter.
@@ -131,7 +123,7 @@ TEST(DispatchTest, ErrorsNameTheMember) {
       {[&] { bag->Get("Label", {1}); }, 13},   // text cannot be indexed
       {[&] { bag->Call("Make", {1}); }, 450},  // a method takes only its own
   };
-  for (const Case& c : cases) EXPECT_EQ(ErrorOf(c.action), c.number);
+  for (const Case& c : cases) EXPECT_EQ(ErrorNumber(c.action), c.number);
   try {
     bag->Get("Nope");
   } catch (const Error& error) {
@@ -141,7 +133,7 @@ TEST(DispatchTest, ErrorsNameTheMember) {
 
 TEST(DispatchTest, EnumerationIsOptional) {
   auto bag = std::make_shared<Bag>();
-  EXPECT_EQ(ErrorOf([&] { bag->Enumerate(); }), 438);
+  EXPECT_EQ(ErrorNumber([&] { bag->Enumerate(); }), 438);
   EXPECT_EQ(bag->MemberNames().front(), "Label");
 }
 
@@ -150,7 +142,7 @@ TEST(DispatchTest, ApplyArgumentsIndexesArrays) {
   EXPECT_EQ(ApplyArguments(Variant(VariantArray{"x", "y"}), args),
             Variant("y"));
   DispatchArgs out_of_range{2};
-  EXPECT_EQ(ErrorOf([&] {
+  EXPECT_EQ(ErrorNumber([&] {
               ApplyArguments(Variant(VariantArray{"x", "y"}), out_of_range);
             }),
             9);

@@ -8,20 +8,10 @@
 
 #include "core/dispatch.h"
 #include "core/error.h"
+#include "support/error_number.h"
 
 namespace rz {
 namespace {
-
-// The error number `action` raises, 0 when it raises none.
-template <typename F>
-int ErrorOf(F action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 TEST(VariantTest, IntegerConversionsRoundHalvesToEven) {
   struct Case {
@@ -52,9 +42,10 @@ TEST(VariantTest, IntegerConversionsCheckTheirRange) {
       {1e300, 6, 6},        {NAN, 6, 6},
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(ErrorOf([&] { Variant(c.value).ToInteger(); }), c.integer_error)
+    EXPECT_EQ(ErrorNumber([&] { Variant(c.value).ToInteger(); }),
+              c.integer_error)
         << c.value;
-    EXPECT_EQ(ErrorOf([&] { Variant(c.value).ToLong(); }), c.long_error)
+    EXPECT_EQ(ErrorNumber([&] { Variant(c.value).ToLong(); }), c.long_error)
         << c.value;
   }
 }
@@ -77,9 +68,9 @@ TEST(VariantTest, TextMustBeOneNumberWhereANumberIsRequired) {
 }
 
 TEST(VariantTest, NullAndEmpty) {
-  EXPECT_EQ(ErrorOf([] { Variant::Null().ToDouble(); }), 94);
-  EXPECT_EQ(ErrorOf([] { Variant::Null().ToString(); }), 94);
-  EXPECT_EQ(ErrorOf([] { Variant::Null().ToInteger(); }), 94);
+  EXPECT_EQ(ErrorNumber([] { Variant::Null().ToDouble(); }), 94);
+  EXPECT_EQ(ErrorNumber([] { Variant::Null().ToString(); }), 94);
+  EXPECT_EQ(ErrorNumber([] { Variant::Null().ToInteger(); }), 94);
   EXPECT_EQ(Variant().ToString(), "");
   EXPECT_EQ(Variant().ToDouble(), 0);
   EXPECT_FALSE(Variant().ToBool());
@@ -132,10 +123,10 @@ TEST(VariantTest, BooleanAndDateConversions) {
   EXPECT_FALSE(Variant(" FALSE ").ToBool());
   EXPECT_TRUE(Variant("-2").ToBool());
   EXPECT_FALSE(Variant("0").ToBool());
-  EXPECT_EQ(ErrorOf([] { Variant("yes").ToBool(); }), 13);
+  EXPECT_EQ(ErrorNumber([] { Variant("yes").ToBool(); }), 13);
   EXPECT_DOUBLE_EQ(Variant("2006-10-10 12:00:00").ToDate(), 39000.5);
   EXPECT_DOUBLE_EQ(Variant("39000.25").ToDate(), 39000.25);
-  EXPECT_EQ(ErrorOf([] { Variant("2006-13-01").ToDate(); }), 13);
+  EXPECT_EQ(ErrorNumber([] { Variant("2006-13-01").ToDate(); }), 13);
 }
 
 TEST(VariantTest, CompareFollowsTheAutomationRules) {
@@ -173,10 +164,10 @@ TEST(VariantTest, StrictEqualityAndTypeNames) {
   EXPECT_EQ(Variant(int16_t{1}).TypeName(), "Integer");
   EXPECT_EQ(Variant(VariantArray{}).TypeName(), "Variant()");
   EXPECT_EQ(Variant(std::shared_ptr<Dispatch>()).TypeName(), "Nothing");
-  EXPECT_EQ(ErrorOf([] { Variant(std::shared_ptr<Dispatch>()).ToObject(); }),
-            91);
-  EXPECT_EQ(ErrorOf([] { Variant(3).ToObject(); }), 13);
-  EXPECT_EQ(ErrorOf([] { Variant(3).ToArray(); }), 13);
+  EXPECT_EQ(
+      ErrorNumber([] { Variant(std::shared_ptr<Dispatch>()).ToObject(); }), 91);
+  EXPECT_EQ(ErrorNumber([] { Variant(3).ToObject(); }), 13);
+  EXPECT_EQ(ErrorNumber([] { Variant(3).ToArray(); }), 13);
 }
 
 TEST(VariantTest, ArraysAreValues) {

@@ -6,8 +6,10 @@
 #include <vector>
 
 #include "core/error.h"
+#include "support/error_number.h"
 #include "view/result_field_types.h"
 #include "view/stat_types.h"
+#include "view/view_state.h"
 #include "view/where_types.h"
 
 namespace rz {
@@ -23,15 +25,6 @@ ResultFieldTypes ListOf(const std::string& names) {
   ResultFieldTypes list;
   for (char name : names) list.Add(0, 1, 0, std::string(1, name));
   return list;
-}
-
-int ErrorNumber(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
 }
 
 TEST(ResultFieldTypesTest, SwapMovesTheHigherItemBeforeTheLower) {
@@ -197,6 +190,28 @@ TEST(ListDispatchTest, MemberNamesFollowTheInterfaceOrder) {
   EXPECT_EQ(StatTypes().MemberNames(),
             (std::vector<std::string>{"Clear", "Add", "Item", "Count", "Remove",
                                       "NewEnum"}));
+}
+
+TEST(ViewStateTest, RangeTextFollowsTheSpecificDates) {
+  auto state = NewViewState(nullptr);
+  state->FromDateTime = 45000.25;
+  state->ToDateTime = 45001.0 - 1.0 / 86400;
+  SetRangeText(*state);
+  EXPECT_EQ(state->BegDate, 45000.25);
+  EXPECT_EQ(state->BegText, "2023-03-15 06:00:00");
+  EXPECT_EQ(state->EndText, "2023-03-15 23:59:59");
+}
+
+TEST(ViewStateTest, ANewRecordHasItsStartingValues) {
+  auto state = NewViewState(nullptr);
+  EXPECT_TRUE(state->DisplayPacifier);
+  EXPECT_EQ(state->RunCaption, "Run");
+  EXPECT_EQ(state->RunTooltip, "Execute the current View");
+  for (auto* list : {state->ResultField.get(), state->WorkFields.get()}) {
+    EXPECT_EQ(list->Count(), 0);
+  }
+  EXPECT_NE(state->Where, state->WorkWhere);
+  EXPECT_EQ(ApplicationRuleCount(*state), 0);
 }
 
 }  // namespace
