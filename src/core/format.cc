@@ -416,4 +416,19 @@ std::string FormatMask::Apply(double value) const {
   return kind_ == Kind::kDate ? FormatDate(value) : FormatNumber(value);
 }
 
+std::string Format(const Variant& value, const FormatMask& mask) {
+  if (value.IsEmpty() || value.IsNull()) return "";
+  if (value.IsString()) {
+    const std::string text = value.ToString();
+    if (!IsNumericText(text)) return text;
+    return mask.Apply(LeadingNumber(text));
+  }
+  if (value.Type() == VariantType::kDate) {
+    if (mask.IsEmptyMask()) return value.ToString();
+    return mask.Apply(value.ToDate());
+  }
+  if (!value.IsNumber()) throw Error::TypeMismatch(value.TypeName());
+  return mask.Apply(value.ToDouble());
+}
+
 }  // namespace rz

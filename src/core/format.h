@@ -61,6 +61,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/variant.h"
+
 namespace rz {
 
 struct DateTimeParts;
@@ -71,6 +73,7 @@ class FormatMask {
   static FormatMask Compile(std::string_view mask);
 
   bool IsDateMask() const { return kind_ == Kind::kDate; }
+  bool IsEmptyMask() const { return kind_ == Kind::kEmpty; }
 
   // The value by the number rules; an empty mask gives ShortestNumberText.
   std::string FormatNumber(double value) const;
@@ -150,6 +153,13 @@ class FormatMask {
   bool twelve_hour_ = false;
   bool needs_weekday_ = false;
 };
+
+// Formats a value as the automation Format function does with a compiled
+// mask: Empty and Null give the empty text; a number, a Boolean (-1/0), a
+// Date or a text holding one number goes through the mask (an empty mask
+// writes a Date as its text and a number in its shortest form); any other
+// text is returned unchanged. Objects and arrays raise error 13.
+std::string Format(const Variant& value, const FormatMask& mask);
 
 }  // namespace rz
 

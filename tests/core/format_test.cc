@@ -9,6 +9,7 @@
 
 #include "core/date_time.h"
 #include "core/error.h"
+#include "support/error_number.h"
 
 namespace rz {
 namespace {
@@ -220,6 +221,34 @@ TEST(FormatTest, MisuseAndUnrepresentableValuesRaiseErrors) {
       }
     }
   }
+}
+
+TEST(FormatTest, VariantsGoThroughTheMaskByKind) {
+  const FormatMask number = FormatMask::Compile("####0.00");
+  const FormatMask date = FormatMask::Compile("yyyy-mm-dd");
+  const FormatMask none = FormatMask::Compile("");
+  struct Row {
+    Variant value;
+    const FormatMask* mask;
+    const char* expected;
+  } rows[] = {
+      {Variant(), &number, ""},
+      {Variant::Null(), &number, ""},
+      {2.345, &number, "2.35"},
+      {" 2.345 ", &number, "2.35"},     // numeric text is a number
+      {"12.5abc", &number, "12.5abc"},  // other text is left alone
+      {true, &number, "-1.00"},
+      {int16_t{7}, &number, "7.00"},
+      {Variant::Date(39000.5), &date, "2006-10-10"},
+      {Variant::Date(39000.5), &number, "39000.50"},
+      {Variant::Date(39000.5), &none, "2006-10-10 12:00:00"},
+      {39000.5, &date, "2006-10-10"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(Format(row.value, *row.mask), row.expected)
+        << (row.value.IsNull() ? "Null" : row.value.ToString());
+  }
+  EXPECT_EQ(ErrorNumber([&] { Format(Variant(VariantArray{}), number); }), 13);
 }
 
 }  // namespace
