@@ -5,35 +5,29 @@
 #include <chrono>
 #include <ctime>
 
+#include "appfile/application_file.h"
 #include "core/date_time.h"
-#include "core/error.h"
+#include "inputfile/first_line_reader.h"
 #include "platform/app_file.h"
 #include "platform/input_file_reader.h"
 #include "platform/repository.h"
 #include "platform/script_engine.h"
+#include "repository/result_repository.h"
 #include "trace/trace_client.h"
 #include "trace/trace_socket_path.h"
 
 namespace rz {
-namespace {
-
-Error ComponentMissing(std::string_view component) {
-  return Error::InvalidArgument("the component " + std::string(component) +
-                                " is not available yet in this version");
-}
-
-}  // namespace
 
 std::shared_ptr<AppFile> SystemPlatform::CreateAppFile() {
-  throw ComponentMissing("RZaccess (application files)");
+  return std::make_shared<ApplicationFile>();
 }
 
 std::shared_ptr<Repository> SystemPlatform::CreateRepository() {
-  throw ComponentMissing("RzRep (result repository)");
+  return std::make_shared<ResultRepository>();
 }
 
 std::shared_ptr<InputFileReader> SystemPlatform::CreateInputFileReader() {
-  throw ComponentMissing("RZCOMsrv (input-file reader)");
+  return std::make_shared<FirstLineReader>(toolkit_);
 }
 
 std::unique_ptr<ScriptEngine> SystemPlatform::CreateScriptEngine() {

@@ -1,12 +1,12 @@
 // Copyright 2026 The Veltmark authors.
 //
 // SystemPlatform wires the real components into the engine for the host
-// programs: the trace channel (a running rzdebug found on its socket), the
-// command line's console toolkit and the system clock. Components that are
-// not built in this version (application files, the repository, the
-// input-file reader) raise error 5 naming themselves when asked for;
-// CreateScriptEngine answers null (no engine can be created), which the
-// engine treats as "no scripts".
+// programs: application files (ApplicationFile), the result repository
+// (ResultRepository), the input-file reader (FirstLineReader, showing its
+// messages through the toolkit), the trace channel (a running rzdebug
+// found on its socket), the given toolkit and the system clock.
+// CreateScriptEngine answers null (no script engine is built in this
+// version), which the engine treats as "no scripts".
 
 #ifndef RZ_APPS_COMMON_SYSTEM_PLATFORM_H_
 #define RZ_APPS_COMMON_SYSTEM_PLATFORM_H_

@@ -8,8 +8,12 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "common/console_toolkit.h"
+#include "common/system_platform.h"
 #include "core/error.h"
 #include "engine/rzselect.h"
+#include "rzselect/commands.h"
+#include "rzselect/template_completion.h"
 
 namespace {
 
@@ -18,6 +22,36 @@ constexpr int kExitUsage = 2;
 
 std::string VersionText() {
   return "rzselect " + std::string(rz::RZselect::Version());
+}
+
+void AddSample(CLI::App& app, rz::SampleOptions& options) {
+  CLI::App* sample = app.add_subcommand(
+      "sample", "Write the example application line4 (line4.rzt, line4.rzd)");
+  sample->add_option("DIR", options.folder, "Folder to write into (created)")
+      ->required();
+  sample->add_option("--records", options.records, "Number of records")
+      ->default_val(rz::kDefaultSampleRecords)
+      ->check(CLI::Range(1, 1000000));
+  sample->add_option("--seed", options.seed, "Seed of the random data")
+      ->default_val(rz::kDefaultSampleSeed)
+      ->check(CLI::NonNegativeNumber);
+  sample->add_flag("--force", options.force,
+                   "Replace an application already in DIR");
+}
+
+void AddImport(CLI::App& app, rz::ImportOptions& options) {
+  CLI::App* import =
+      app.add_subcommand("import", "Make an application from a CSV file");
+  import->add_option("DATA.csv", options.csv_path, "CSV file with a header row")
+      ->required();
+  import
+      ->add_option("--to", options.template_path,
+                   "The new application's template (APP.rzt)")
+      ->required();
+  import->add_option("--title", options.title,
+                     "Title (default: the CSV file's name)");
+  import->add_flag("--force", options.force,
+                   "Replace an application already at --to");
 }
 
 }  // namespace
@@ -29,9 +63,12 @@ int main(int argc, char** argv) {
       "rzselect"};
   app.set_version_flag("--version", VersionText(),
                        "Print the engine version and exit");
-  app.footer(
-      "Read docs/ for the user guide; commands arrive with the parts of the\n"
-      "engine they drive.");
+  app.require_subcommand(0, 1);
+  app.footer("Read docs/cli.md for the user guide.");
+  rz::SampleOptions sample_options;
+  rz::ImportOptions import_options;
+  AddSample(app, sample_options);
+  AddImport(app, import_options);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -39,7 +76,13 @@ int main(int argc, char** argv) {
     return code == 0 ? 0 : kExitUsage;
   }
   try {
-    if (argc == 1) {
+    rz::ConsoleToolkit toolkit;
+    rz::SystemPlatform platform(toolkit);
+    if (app.got_subcommand("sample")) {
+      rz::RunSample(platform, sample_options, rz::CompleteTemplate, std::cout);
+    } else if (app.got_subcommand("import")) {
+      rz::RunImport(platform, import_options, std::cout);
+    } else {
       std::cout << app.help();
     }
   } catch (const rz::Error& error) {

@@ -50,8 +50,9 @@ class DataStore {
   // REQUIRES: both in range (callers check; out of range is a programming
   // error).
   virtual bool IsNull(int32_t record, int variable) const = 0;
-  virtual double Number(int32_t record, int variable) const = 0;   // numeric
-  virtual std::string_view Text(int32_t record, int variable) const = 0;  // text
+  virtual double Number(int32_t record, int variable) const = 0;  // numeric
+  virtual std::string_view Text(int32_t record,
+                                int variable) const = 0;  // text
   // The record's date-time from its date and time texts.
   virtual double DateTime(int32_t record) const = 0;
   // True when the date-times never decrease from record to record (then

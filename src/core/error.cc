@@ -15,7 +15,12 @@ std::string WhatText(int32_t number, const std::string& description,
 }
 
 std::string Quoted(std::string_view text) {
-  return "'" + std::string(text) + "'";
+  std::string quoted;
+  quoted.reserve(text.size() + 2);
+  quoted.push_back('\'');
+  quoted.append(text);
+  quoted.push_back('\'');
+  return quoted;
 }
 
 }  // namespace
@@ -45,6 +50,11 @@ Error Error::SubscriptOutOfRange(std::string_view detail) {
 
 Error Error::TypeMismatch(std::string_view value) {
   return Error(13, "Type mismatch: " + Quoted(value));
+}
+
+Error Error::TypeMismatchFor(std::string_view value, std::string_view target) {
+  return Error(
+      13, "Type mismatch: " + Quoted(value) + " for " + std::string(target));
 }
 
 Error Error::ObjectNotSet(std::string_view what) {
@@ -84,8 +94,29 @@ Error Error::PathNotFound(std::string_view path) {
   return Error(76, "Path not found: " + Quoted(path));
 }
 
+Error Error::BadDataFile(std::string_view path, std::string_view detail) {
+  return Error(75, "Path/File access error: " + Quoted(path) + ": " +
+                       std::string(detail));
+}
+
 Error Error::SocketInUse(std::string_view path) {
   return Error(70, "Another program is already listening on " + Quoted(path));
+}
+
+Error Error::FileAlreadyExists(std::string_view path) {
+  return Error(58, "File already exists: " + Quoted(path));
+}
+
+Error Error::MalformedLine(std::string_view file, int64_t line,
+                           std::string_view problem) {
+  return Error(5, std::string(file) + ":" + std::to_string(line) + ": " +
+                      std::string(problem));
+}
+
+Error Error::BadLineValue(std::string_view file, int64_t line,
+                          std::string_view problem) {
+  return Error(13, std::string(file) + ":" + std::to_string(line) + ": " +
+                       std::string(problem));
 }
 
 Error Error::ApplicationMissing() {
@@ -109,6 +140,10 @@ Error Error::NotAvailableYet(std::string_view method, std::string_view what) {
                std::string(method) + " is not available yet: " +
                    std::string(what) + " is not built in this version",
                "RZSelect." + std::string(method));
+}
+
+Error Error::FilterBracketsUnbalanced() {
+  return Error(5, "Filter brackets do not balance");
 }
 
 }  // namespace rz

@@ -46,14 +46,33 @@ class Error : public std::runtime_error {
   static Error MemberNotSupported(std::string_view member);   // 438
   static Error WrongArgumentCount(std::string_view member);   // 450
 
+  // A value of the wrong kind for `target` ("variable 3").
+  static Error TypeMismatchFor(std::string_view value,
+                               std::string_view target);  // 13
+
   // File errors; each names the path.
   static Error BadFileName(std::string_view path);       // 52
   static Error FileNotFound(std::string_view path);      // 53
   static Error PermissionDenied(std::string_view path);  // 70
   static Error PathFileAccess(std::string_view path);    // 75
   static Error PathNotFound(std::string_view path);      // 76
+  // The file at `path` exists but is not what it must be (not a data file,
+  // columns that do not match); `detail` says what is wrong.
+  static Error BadDataFile(std::string_view path,
+                           std::string_view detail);  // 75
   // Another running program already listens on the socket at `path`.
   static Error SocketInUse(std::string_view path);  // 70
+  // A file that must not be replaced exists at `path`.
+  static Error FileAlreadyExists(std::string_view path);  // 58
+
+  // A line of a data file the user gave that cannot be used; the
+  // description reads "file:line: problem", as compilers name a place.
+  // MalformedLine: the line is not a record (fields, quotes); BadLineValue:
+  // a value in it is of the wrong kind (a date that is not one).
+  static Error MalformedLine(std::string_view file, int64_t line,
+                             std::string_view problem);  // 5
+  static Error BadLineValue(std::string_view file, int64_t line,
+                            std::string_view problem);  // 13
 
   // The engine's own errors.
   static Error ApplicationMissing();                      // 53
@@ -61,6 +80,8 @@ class Error : public std::runtime_error {
   static Error ViewNotFound(std::string_view view_name);  // 0x80040001
   static Error NotAvailableYet(std::string_view method,
                                std::string_view what);  // 5
+  // A filter condition list whose brackets do not pair up.
+  static Error FilterBracketsUnbalanced();  // 5
 
  private:
   int32_t number_;

@@ -401,7 +401,8 @@ class AppFile : public Dispatch {
   // the date text "yyyy-mm-dd"; 2 the time text "hh:mm:ss"; others a Double
   // for numeric variables (N, A, R, C), a String for the others, Null when
   // the record has no value. Error 9 for an unknown variable, error 5 when
-  // no record is current.
+  // no record is current. An application without records is valid: there
+  // no record is ever current and every variable gives Null.
   virtual Variant Value(int16_t variable) const = 0;
 
   // Values a variable takes over all records (the condition list does not

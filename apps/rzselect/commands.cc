@@ -1,0 +1,88 @@
+// Copyright 2026 The Veltmark authors.
+
+#include "rzselect/commands.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "core/error.h"
+#include "platform/app_file.h"
+#include "platform/file_system.h"
+#include "rzselect/csv_import.h"
+#include "rzselect/csv_reader.h"
+#include "rzselect/new_application.h"
+
+namespace rz {
+namespace {
+
+void MakeFolder(const std::string& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (!error) return;
+  if (error == std::errc::permission_denied) {
+    throw Error::PermissionDenied(folder);
+  }
+  throw Error::PathNotFound(folder);
+}
+
+// The file's last part without its extension ("data/run 4.csv" -> "run 4").
+std::string FileTitle(std::string_view path) {
+  const std::string base = WithoutExtension(NormalizePath(path));
+  return base.substr(base.find_last_of('/') + 1);
+}
+
+void Report(std::ostream& out, std::string_view template_path,
+            const NewApplication& application) {
+  out << "Wrote " << template_path << " and " << WithoutExtension(template_path)
+      << ".rzd: " << application.variables.size() << " variables, "
+      << application.records.size() << " records";
+  if (!application.records.empty()) {
+    const auto& first = application.records.front();
+    const auto& last = application.records.back();
+    out << " from " << first[0].ToString() << " " << first[1].ToString()
+        << " to " << last[0].ToString() << " " << last[1].ToString();
+  }
+  out << "\n";
+}
+
+}  // namespace
+
+void RunSample(Platform& platform, const SampleOptions& options,
+               const TemplateCompleter& complete, std::ostream& out) {
+  const std::string template_path = JoinPath(NormalizePath(options.folder),
+                                             std::string(kSampleName) + ".rzt");
+  if (!options.force && ApplicationFilesExist(template_path)) {
+    throw Error::FileAlreadyExists(template_path);
+  }
+  MakeFolder(options.folder);
+  const NewApplication application =
+      GenerateSample(options.records, options.seed);
+  std::shared_ptr<AppFile> file = platform.CreateAppFile();
+  WriteNewApplication(*file, application, template_path, options.force);
+  file.reset();
+  complete(template_path, application);
+  Report(out, template_path, application);
+}
+
+void RunImport(Platform& platform, const ImportOptions& options,
+               std::ostream& out) {
+  const std::string template_path = NormalizePath(options.template_path);
+  if (!options.force && ApplicationFilesExist(template_path)) {
+    throw Error::FileAlreadyExists(template_path);
+  }
+  const std::string folder = ParentFolder(template_path);
+  if (!folder.empty() && !FileExists(folder)) {
+    throw Error::PathNotFound(folder);
+  }
+  const std::string text = DecodeCsvText(ReadBinaryFile(options.csv_path));
+  const std::vector<CsvRecord> records = ParseCsv(text, options.csv_path);
+  const std::string title =
+      options.title.empty() ? FileTitle(options.csv_path) : options.title;
+  const NewApplication application =
+      ApplicationFromCsv(records, options.csv_path, title);
+  std::shared_ptr<AppFile> file = platform.CreateAppFile();
+  WriteNewApplication(*file, application, template_path, options.force);
+  Report(out, template_path, application);
+}
+
+}  // namespace rz

@@ -1,0 +1,94 @@
+// Copyright 2026 The Veltmark authors.
+//
+// Turns the records of a CSV file (csv_reader.h) into a new application:
+//
+// Date and time. Every record needs a date and a time of day. They are
+// found, in this order of preference:
+//   1. a column named "Date" and a column named "Time" (names trimmed,
+//      compared without regard to case);
+//   2. one column holding both: named "DateTime", "Date Time", "Date/Time",
+//      "Date_Time", "Timestamp" or "Time Stamp", or named "Date" while no
+//      column is named "Time" and its first value holds a time too;
+//   3. the first two columns, when the first record's values there read as
+//      a date and a time;
+//   4. the first column, when the first record's value there reads as a
+//      date and time.
+// Dates are "yyyy-mm-dd"; times "hh:mm" or "hh:mm:ss" (the hour may have
+// one digit); a combined value is "yyyy-mm-dd hh:mm[:ss]" or
+// "yyyy-mm-ddThh:mm[:ss]". They become variables 1 (date text) and 2 (time
+// text "hh:mm:ss"); the other columns follow in file order.
+//
+// Types. A column whose non-empty values are all plain decimal numbers
+// (optional sign, digits, optional point and digits; no exponent, no
+// thousands separators) becomes type N: DECIMALS the most digits seen after
+// the point, LENGTH the widest integer part + DECIMALS + 1 for a sign when a
+// value is negative + 1 for the point when DECIMALS > 0. Every other column
+// (also one without any value) is type T with LENGTH the longest value in
+// characters (at least 1). Values are trimmed of spaces; an empty value is
+// a missing one (Null). Names are trimmed; an empty name becomes
+// "Column N" (N its 1-based column) and a repeated one gets " (2)", " (3)".
+//
+// Errors, each naming the file and the line (Error::MalformedLine, 5, or
+// Error::BadLineValue, 13): no header row; a record with another number of
+// fields than the header; no date and time columns; a date or time that
+// does not read as one. Nothing is built when any record fails.
+
+#ifndef RZ_APPS_RZSELECT_CSV_IMPORT_H_
+#define RZ_APPS_RZSELECT_CSV_IMPORT_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "rzselect/csv_reader.h"
+#include "rzselect/new_application.h"
+
+namespace rz {
+
+// What a column's values make of it.
+struct ColumnShape {
+  std::string type;  // "N" or "T"
+  int16_t length = 1;
+  int16_t decimals = 0;
+  bool operator==(const ColumnShape&) const = default;
+};
+
+// The shape of a column from its values (empty ones are ignored).
+ColumnShape InferColumnShape(const std::vector<std::string_view>& values);
+
+// A plain decimal number as described above, or nullopt.
+std::optional<double> ParsePlainNumber(std::string_view text);
+
+// "yyyy-mm-dd" (a real date) to the same text, or nullopt.
+std::optional<std::string> ParseDateText(std::string_view text);
+// "hh:mm" or "hh:mm:ss" (hour of one or two digits) to "hh:mm:ss".
+std::optional<std::string> ParseTimeText(std::string_view text);
+// "yyyy-mm-dd hh:mm[:ss]" or with "T" between: the date and time texts.
+std::optional<std::pair<std::string, std::string>> ParseDateTimeText(
+    std::string_view text);
+
+// Where the date and time come from: two columns (date, time) or one
+// column holding both (combined); 0-based column numbers.
+struct DateTimeColumns {
+  int date = -1;
+  int time = -1;
+  int combined = -1;
+  bool operator==(const DateTimeColumns&) const = default;
+};
+
+// Finds the date and time columns by the rules above from the header and
+// the first record (null when the file has no records).
+std::optional<DateTimeColumns> FindDateTimeColumns(
+    const std::vector<std::string>& header, const CsvRecord* first_record);
+
+// Builds the application titled `title` from the records of `file_name`
+// (the first record is the header).
+NewApplication ApplicationFromCsv(const std::vector<CsvRecord>& records,
+                                  std::string_view file_name,
+                                  std::string_view title);
+
+}  // namespace rz
+
+#endif  // RZ_APPS_RZSELECT_CSV_IMPORT_H_

@@ -1,0 +1,71 @@
+// Copyright 2026 The Veltmark authors.
+//
+// NewApplication is an application held in memory before it is written:
+// the header, the rules, the variables and the records that `rzselect
+// sample` generates and `rzselect import` reads from a CSV file.
+// WriteNewApplication writes one through the application-file interface
+// (OpenMode 1, Variables().Add, AddRecord/SetValue/SaveRecord,
+// CloseApplication), so the files appear only when everything was written.
+//
+// Errors: WriteNewApplication raises Error::FileAlreadyExists (58) when an
+// application is at the path and `replace` is false, and passes on every
+// error of the application file (a folder that cannot be written, a value
+// of the wrong kind); nothing is left at the path then.
+
+#ifndef RZ_APPS_RZSELECT_NEW_APPLICATION_H_
+#define RZ_APPS_RZSELECT_NEW_APPLICATION_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/variant.h"
+#include "platform/app_file.h"
+#include "platform/field_definition.h"
+
+namespace rz {
+
+struct NewApplication {
+  std::string title;
+  int16_t default_look_back = -1;  // records counted back; -1 = all
+  double shift_hours = 0;          // 0 = not set
+  std::string shift_start = "00:00";
+  std::string secured_functions;
+  std::vector<Rule> rules;
+  // Variable k is variables[k - 1]: 1 the date, 2 the time. Each holds
+  // every attribute to write (InitVariableDefaults and then its own).
+  std::vector<std::shared_ptr<FieldDefinition>> variables;
+  // Record r is records[r - 1]; its entry k - 1 is variable k: the date
+  // text "yyyy-mm-dd", the time text "hh:mm:ss", then a Double or a String
+  // per variable, Null for no value.
+  std::vector<std::vector<Variant>> records;
+};
+
+// A definition for variable `position` with the defaults of a new variable
+// for `rule_count` rules, RULES empty (the caller names the rules that
+// apply) and the four given attributes.
+std::shared_ptr<FieldDefinition> NewVariable(std::string_view name,
+                                             std::string_view type_letter,
+                                             int16_t length, int16_t decimals,
+                                             int position, int rule_count);
+
+// Sets a limit to method "F" with `value`, or to "B" (blank) or "C"
+// (calculated) with value 0.
+void SetFixedLimit(FieldDefinition& variable, LimitKind limit, double value);
+void SetLimitMethod(FieldDefinition& variable, LimitKind limit,
+                    std::string_view method);
+
+// True when the template or the data file of the application at
+// `template_path` exists.
+bool ApplicationFilesExist(std::string_view template_path);
+
+// Writes `application` at `template_path` ("dir/name.rzt"; the data file
+// is "dir/name.rzd") through `file`, a new closed application-file object.
+void WriteNewApplication(AppFile& file, const NewApplication& application,
+                         std::string_view template_path, bool replace);
+
+}  // namespace rz
+
+#endif  // RZ_APPS_RZSELECT_NEW_APPLICATION_H_

@@ -1,0 +1,221 @@
+// Copyright 2026 The Veltmark authors.
+
+#include "appfile/record_columns.h"
+
+#include <sqlite3.h>
+
+#include <cmath>
+#include <limits>
+
+#include "appfile/sqlite_util.h"
+#include "core/date_time.h"
+#include "core/error.h"
+#include "core/text.h"
+
+namespace rz {
+namespace {
+
+constexpr double kNoDateTime = std::numeric_limits<double>::quiet_NaN();
+constexpr double kSecondsPerDay = 86400;
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+int64_t Digits(std::string_view text, size_t first, size_t count) {
+  int64_t value = 0;
+  for (size_t i = first; i < first + count; ++i)
+    value = value * 10 + (text[i] - '0');
+  return value;
+}
+
+bool AllDigits(std::string_view text, std::initializer_list<size_t> positions) {
+  for (size_t position : positions) {
+    if (!IsDigit(text[position])) return false;
+  }
+  return true;
+}
+
+// The day number of a date text; throws Error::Overflow when it builds no
+// date. "yyyy-mm-dd" (any separators) is read directly, everything else by
+// the lenient record-text rule.
+double DayNumber(std::string_view date) {
+  if (date.size() == 10 && AllDigits(date, {0, 1, 2, 3, 5, 6, 8, 9})) {
+    return DateSerial(Digits(date, 0, 4), Digits(date, 5, 2),
+                      Digits(date, 8, 2));
+  }
+  return DateTimeFromRecordText(date, "");
+}
+
+// The time of day of a time text as a fraction of a day; throws
+// Error::Overflow for absurd field values.
+double TimeOfDay(std::string_view time) {
+  if (time.size() == 8 && AllDigits(time, {0, 1, 3, 4, 6, 7})) {
+    const int64_t seconds = Digits(time, 0, 2) * 3600 +
+                            Digits(time, 3, 2) * 60 + Digits(time, 6, 2);
+    return static_cast<double>(seconds) / kSecondsPerDay;
+  }
+  return ParseTimeOfDay(time);
+}
+
+// A numeric variable's cell that SQLite holds as text (a data file made by
+// hand): blank text is no value, anything else its leading number.
+bool ReadNumericText(sqlite3_stmt* statement, int column, double* value) {
+  const auto* bytes = sqlite3_column_text(statement, column);
+  const std::string_view text(
+      reinterpret_cast<const char*>(bytes),
+      static_cast<size_t>(sqlite3_column_bytes(statement, column)));
+  if (TrimSpaces(text).empty()) return false;
+  try {
+    *value = LeadingNumber(text);
+  } catch (const Error&) {
+    return false;  // Beyond the double range: no usable number.
+  }
+  return true;
+}
+
+}  // namespace
+
+std::string_view TrimSpaces(std::string_view text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  const size_t last = text.find_last_not_of(' ');
+  return text.substr(first, last - first + 1);
+}
+
+double RecordDateTime(std::string_view date, std::string_view time) {
+  try {
+    return DayNumber(TrimSpaces(date)) + TimeOfDay(TrimSpaces(time));
+  } catch (const Error&) {
+    return kNoDateTime;
+  }
+}
+
+// --- RecordColumn ---
+
+void RecordColumn::Reserve(size_t records) {
+  nulls_.Reserve(records);
+  if (numeric_) {
+    numbers_.reserve(records);
+  } else {
+    ends_.reserve(records);
+  }
+}
+
+void RecordColumn::AppendNull() {
+  nulls_.Append(true);
+  if (numeric_) {
+    numbers_.push_back(0);
+  } else {
+    ends_.push_back(arena_.size());
+  }
+}
+
+void RecordColumn::AppendNumber(double value) {
+  nulls_.Append(false);
+  numbers_.push_back(value);
+}
+
+void RecordColumn::AppendText(std::string_view text) {
+  nulls_.Append(false);
+  arena_.append(text);
+  ends_.push_back(arena_.size());
+}
+
+void RecordColumn::Append(const RecordColumn& other, size_t other_count) {
+  for (size_t i = 0; i < other_count; ++i) {
+    if (other.IsNull(i)) {
+      AppendNull();
+    } else if (numeric_) {
+      AppendNumber(other.Number(i));
+    } else {
+      AppendText(other.Text(i));
+    }
+  }
+}
+
+void RecordColumn::LeaveRoomToGrow() {
+  const size_t wanted = arena_.size() + arena_.size() / 8 + 4096;
+  if (!numeric_ && arena_.capacity() < wanted) arena_.reserve(wanted);
+}
+
+// --- RecordColumns ---
+
+RecordColumns::RecordColumns(const std::vector<bool>& numeric) {
+  columns_.reserve(numeric.size());
+  for (bool is_numeric : numeric) columns_.emplace_back(is_numeric);
+}
+
+void RecordColumns::Reserve(size_t records) {
+  for (RecordColumn& column : columns_) column.Reserve(records);
+  date_times_.reserve(records);
+}
+
+void RecordColumns::ReadRows(SqliteStatement& statement) {
+  sqlite3_stmt* const raw = statement.Handle();
+  const int count = VariableCount();
+  while (statement.Step()) {
+    last_record_number_ = sqlite3_column_int64(raw, 0);
+    for (int k = 1; k <= count; ++k) {
+      RecordColumn& column = columns_[static_cast<size_t>(k - 1)];
+      const int type = sqlite3_column_type(raw, k);
+      if (type == SQLITE_NULL) {
+        column.AppendNull();
+      } else if (!column.Numeric()) {
+        const auto* text = sqlite3_column_text(raw, k);
+        column.AppendText(std::string_view(
+            reinterpret_cast<const char*>(text),
+            static_cast<size_t>(sqlite3_column_bytes(raw, k))));
+      } else if (type != SQLITE_TEXT) {
+        column.AppendNumber(sqlite3_column_double(raw, k));
+      } else {
+        double value = 0;
+        if (ReadNumericText(raw, k, &value)) {
+          column.AppendNumber(value);
+        } else {
+          column.AppendNull();
+        }
+      }
+    }
+    AddDateTime(ComputeDateTime(date_times_.size()));
+  }
+}
+
+double RecordColumns::ComputeDateTime(size_t index) {
+  if (columns_.size() < 2 || columns_[0].Numeric() || columns_[1].Numeric()) {
+    return kNoDateTime;
+  }
+  const std::string_view date = TrimSpaces(columns_[0].Text(index));
+  const std::string_view time = TrimSpaces(columns_[1].Text(index));
+  try {
+    if (date != cached_date_text_ || cached_date_text_.empty()) {
+      cached_day_ = DayNumber(date);
+      cached_date_text_.assign(date);
+    }
+    return cached_day_ + TimeOfDay(time);
+  } catch (const Error&) {
+    return kNoDateTime;
+  }
+}
+
+void RecordColumns::AddDateTime(double date_time) {
+  if (std::isnan(date_time) ||
+      (!date_times_.empty() && !(date_times_.back() <= date_time))) {
+    in_time_order_ = false;
+  }
+  date_times_.push_back(date_time);
+}
+
+void RecordColumns::Append(const RecordColumns& other) {
+  const size_t count = other.RecordCount();
+  if (count == 0) return;
+  for (size_t k = 0; k < columns_.size(); ++k) {
+    columns_[k].Append(other.columns_[k], count);
+  }
+  for (size_t i = 0; i < count; ++i) AddDateTime(other.date_times_[i]);
+  last_record_number_ = other.last_record_number_;
+}
+
+void RecordColumns::LeaveRoomToGrow() {
+  for (RecordColumn& column : columns_) column.LeaveRoomToGrow();
+}
+
+}  // namespace rz

@@ -1,0 +1,114 @@
+// Copyright 2026 The Veltmark authors.
+//
+// SqliteDataStore is the DataStore of an SQLite data file (see
+// data_file_schema.h for the tables). DataStore::Open creates one.
+//
+// Loading: one read-only connection (no mutex: a store is used from one
+// thread), one "SELECT recno, v1..vn FROM records ORDER BY recno" pass into
+// RecordColumns, inside one read transaction so the edit generation and the
+// records belong to the same state of the file. The connection is closed
+// after each load; nothing is held open between refreshes.
+//
+// Refresh: the size, modification time and identity (device, inode) of the
+// file and of its WAL file are compared with those of the last load; when
+// they are the same nothing is read (an empty WAL file counts as none: a
+// read-only connection leaves one behind). Otherwise, when the file has a
+// `meta` table, its edit generation is the same and the file is the same file,
+// only the records after the last record number held are read and
+// appended. Anything else (the generation moved, the file was replaced, or
+// the file has no `meta` table, as a data file made by hand) reloads
+// everything. A failed refresh leaves the records held as they were.
+//
+// Cells whose numeric variable holds text in the file (made by hand) read
+// as the text's leading number, blank text as no value.
+//
+// Errors (rz::Error naming the file): 53 missing, 70 not readable, 75 not an
+// SQLite database, no `records` table, or columns other than v1..vn for the
+// n variables given ("the data file has K variables, the template N").
+
+#ifndef RZ_APPFILE_SQLITE_DATA_STORE_H_
+#define RZ_APPFILE_SQLITE_DATA_STORE_H_
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "appfile/data_store.h"
+#include "appfile/record_columns.h"
+
+namespace rz {
+
+class SqliteDb;
+
+class SqliteDataStore : public DataStore {
+ public:
+  // Opens and loads the data file; see DataStore::Open.
+  static std::unique_ptr<SqliteDataStore> Open(const std::string& path,
+                                               std::vector<bool> numeric);
+
+  bool Refresh() override;
+
+  int32_t RecordCount() const override;
+  int VariableCount() const override;
+  bool IsNumeric(int variable) const override;
+  bool IsNull(int32_t record, int variable) const override;
+  double Number(int32_t record, int variable) const override;
+  std::string_view Text(int32_t record, int variable) const override;
+  double DateTime(int32_t record) const override;
+  bool InTimeOrder() const override;
+  Variant Value(int32_t record, int variable) const override;
+  std::vector<Variant> DistinctValues(int variable) const override;
+  double FileDateTime() const override;
+
+  // How many complete loads and how many records were read since Open
+  // (the first load included); for tests of the refresh rules.
+  int FullLoadCount() const { return full_loads_; }
+  int64_t RecordsRead() const { return records_read_; }
+
+ private:
+  // What identifies one state of a file on disk.
+  struct FileState {
+    bool exists = false;
+    dev_t device = 0;
+    ino_t inode = 0;
+    int64_t size = 0;
+    int64_t modified_ns = 0;
+    bool operator==(const FileState&) const = default;
+  };
+  struct Snapshot {
+    FileState file;
+    FileState wal;
+    bool operator==(const Snapshot&) const = default;
+  };
+
+  SqliteDataStore(const std::string& path, std::vector<bool> numeric);
+
+  Snapshot TakeSnapshot() const;
+  std::unique_ptr<SqliteDb> Connect() const;
+  void CheckColumns(SqliteDb& db) const;
+  std::optional<int64_t> ReadEditGeneration(SqliteDb& db) const;
+  std::unique_ptr<RecordColumns> ReadRecords(SqliteDb& db,
+                                             std::optional<int64_t> after);
+  // Reads every record; on success replaces what is held.
+  void LoadAll(SqliteDb& db, const Snapshot& snapshot);
+  // Reads the records after the last one held; true when there were any.
+  bool LoadAppended(SqliteDb& db, const Snapshot& snapshot);
+
+  size_t Index(int32_t record) const { return static_cast<size_t>(record - 1); }
+
+  std::string path_;
+  std::vector<bool> numeric_;
+  std::unique_ptr<RecordColumns> columns_;
+  std::optional<int64_t> edit_generation_;  // none: the file has no meta
+  Snapshot snapshot_;
+  int full_loads_ = 0;
+  int64_t records_read_ = 0;
+};
+
+}  // namespace rz
+
+#endif  // RZ_APPFILE_SQLITE_DATA_STORE_H_

@@ -1,0 +1,346 @@
+// Copyright 2026 The Veltmark authors.
+
+#include "repository/repository_writers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <set>
+#include <string_view>
+
+#include "core/date_time.h"
+#include "core/dispatch.h"
+#include "core/error.h"
+#include "core/text.h"
+
+namespace rz {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+bool IsPlainNumber(const Variant& value) {
+  switch (value.Type()) {
+    case VariantType::kInteger:
+    case VariantType::kLong:
+    case VariantType::kDouble:
+    case VariantType::kDate:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::string DoubleText(double value) {
+  if (std::isnan(value)) return "NaN";
+  if (std::isinf(value)) return value > 0 ? "Infinity" : "-Infinity";
+  return ShortestNumberText(value);
+}
+
+// A serial through one of the date writers, or nothing when it lies
+// outside the calendar.
+std::optional<std::string> SerialText(double serial,
+                                      std::string (*format)(double)) {
+  if (!std::isfinite(serial)) return std::nullopt;
+  try {
+    return format(serial);
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
+
+// Field 1 or 2 written as the date or time of its number, when the option
+// asks for it and the cell holds a serial of the calendar.
+std::optional<std::string> DateTimeColumnText(const Variant& value,
+                                              int32_t field,
+                                              DateTimeColumns columns) {
+  if (!columns.first_two_are_date_time || !IsPlainNumber(value)) {
+    return std::nullopt;
+  }
+  if (field == 1) return SerialText(value.ToDouble(), FormatDate);
+  if (field == 2) return SerialText(value.ToDouble(), FormatTime);
+  return std::nullopt;
+}
+
+std::string StoredText(const Variant& value) {
+  switch (value.Type()) {
+    case VariantType::kEmpty:
+    case VariantType::kNull:
+      return "";
+    case VariantType::kDouble:
+      return DoubleText(value.ToDouble());
+    case VariantType::kDate: {
+      const double serial = value.ToDate();
+      return SerialText(serial, FormatDateTime).value_or(DoubleText(serial));
+    }
+    case VariantType::kObject: {
+      try {
+        return "[" + std::string(value.ToObject()->ClassName()) + "]";
+      } catch (const Error&) {
+        return "[Nothing]";
+      }
+    }
+    case VariantType::kArray: {
+      std::string text;
+      bool first = true;
+      for (const Variant& item : value.ToArray()) {
+        if (!first) text += "; ";
+        text += StoredText(item);
+        first = false;
+      }
+      return text;
+    }
+    default:
+      return value.ToString();
+  }
+}
+
+Json JsonValue(const Variant& value) {
+  switch (value.Type()) {
+    case VariantType::kEmpty:
+    case VariantType::kNull:
+      return nullptr;
+    case VariantType::kBoolean:
+      return value.ToBool();
+    case VariantType::kInteger:
+    case VariantType::kLong:
+      return value.ToLong();
+    case VariantType::kDouble:
+      return value.ToDouble();
+    case VariantType::kArray: {
+      Json items = Json::array();
+      for (const Variant& item : value.ToArray()) {
+        items.push_back(JsonValue(item));
+      }
+      return items;
+    }
+    default:
+      return StoredText(value);
+  }
+}
+
+bool NeedsCsvQuotes(std::string_view text) {
+  return text.find_first_of(",\"\r\n") != std::string_view::npos;
+}
+
+void PutCsvValue(std::string_view text, std::ostream& out) {
+  if (!NeedsCsvQuotes(text)) {
+    out << text;
+    return;
+  }
+  out << '"';
+  for (char c : text) {
+    if (c == '"') out << '"';
+    out << c;
+  }
+  out << '"';
+}
+
+// Tab, line feed and CR as escapes; with `backslash`, "\" too.
+std::string Escaped(std::string_view text, bool backslash) {
+  std::string out;
+  out.reserve(text.size());
+  for (char c : text) {
+    switch (c) {
+      case '\t':
+        out += "\\t";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\\':
+        out += backslash ? "\\\\" : "\\";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
+
+size_t CharacterCount(std::string_view text) {
+  size_t count = 0;
+  for (size_t pos = 0; pos < text.size();) {
+    utf8::NextChar(text, &pos);
+    ++count;
+  }
+  return count;
+}
+
+// A value as a table shows it: escaped, and right-aligned when it is a
+// number or a text that is one number (a run stores formatted numbers as
+// texts). Fields 1 and 2 written as date and time are texts.
+struct TableCell {
+  std::string text;
+  bool right = false;
+};
+
+TableCell TableCellOf(const Variant& value, int32_t field,
+                      DateTimeColumns columns) {
+  if (auto text = DateTimeColumnText(value, field, columns)) {
+    return {Escaped(*text, false), false};
+  }
+  TableCell cell{Escaped(StoredText(value), false), false};
+  switch (value.Type()) {
+    case VariantType::kInteger:
+    case VariantType::kLong:
+    case VariantType::kDouble:
+      cell.right = true;
+      break;
+    case VariantType::kString:
+      cell.right = IsNumericText(cell.text);
+      break;
+    default:
+      break;
+  }
+  return cell;
+}
+
+// One line of separated values: the header (names) or a record.
+template <typename PutValue>
+void WriteDelimited(Repository& repository, std::ostream& out, char separator,
+                    DateTimeColumns columns, PutValue put) {
+  RepositoryFieldList& fields = repository.Fields();
+  const int32_t field_count = fields.Count();
+  for (int32_t f = 1; f <= field_count; ++f) {
+    if (f > 1) out << separator;
+    put(fields.Item(f)->Name(), out);
+  }
+  out << '\n';
+  const int32_t record_count = repository.RecordCount();
+  for (int32_t r = 1; r <= record_count; ++r) {
+    for (int32_t f = 1; f <= field_count; ++f) {
+      if (f > 1) out << separator;
+      put(CellText(repository.Value(r, f), f, columns), out);
+    }
+    out << '\n';
+  }
+}
+
+struct TableColumn {
+  size_t width = 0;
+  bool numeric = true;
+};
+
+// Appends `text` padded to `width` characters on the left or the right.
+void AppendPadded(std::string& line, std::string_view text, size_t width,
+                  bool right) {
+  const size_t length = CharacterCount(text);
+  const size_t padding = width > length ? width - length : 0;
+  if (right) line.append(padding, ' ');
+  line += text;
+  if (!right) line.append(padding, ' ');
+}
+
+void PutLine(std::ostream& out, std::string& line) {
+  const size_t end = line.find_last_not_of(' ');
+  line.resize(end == std::string::npos ? 0 : end + 1);
+  out << line << '\n';
+  line.clear();
+}
+
+}  // namespace
+
+std::string CellText(const Variant& value, int32_t field,
+                     DateTimeColumns columns) {
+  if (auto text = DateTimeColumnText(value, field, columns)) return *text;
+  return StoredText(value);
+}
+
+std::vector<std::string> JsonKeys(Repository& repository) {
+  RepositoryFieldList& fields = repository.Fields();
+  std::vector<std::string> keys;
+  std::set<std::string> taken;
+  for (int32_t f = 1; f <= fields.Count(); ++f) {
+    const std::string name = fields.Item(f)->Name();
+    std::string key = name;
+    for (int n = 2; taken.count(key) > 0; ++n) {
+      key = name + "#" + std::to_string(n);
+    }
+    taken.insert(key);
+    keys.push_back(key);
+  }
+  return keys;
+}
+
+void WriteCsv(Repository& repository, std::ostream& out,
+              DateTimeColumns columns) {
+  WriteDelimited(repository, out, ',', columns, PutCsvValue);
+}
+
+void WriteTsv(Repository& repository, std::ostream& out,
+              DateTimeColumns columns) {
+  WriteDelimited(repository, out, '\t', columns,
+                 [](std::string_view text, std::ostream& stream) {
+                   stream << Escaped(text, true);
+                 });
+}
+
+void WriteJsonLines(Repository& repository, std::ostream& out,
+                    DateTimeColumns columns) {
+  const std::vector<std::string> keys = JsonKeys(repository);
+  const int32_t field_count = static_cast<int32_t>(keys.size());
+  const int32_t record_count = repository.RecordCount();
+  for (int32_t r = 1; r <= record_count; ++r) {
+    Json record = Json::object();
+    for (int32_t f = 1; f <= field_count; ++f) {
+      const Variant value = repository.Value(r, f);
+      const auto date_time = DateTimeColumnText(value, f, columns);
+      record[keys[static_cast<size_t>(f - 1)]] =
+          date_time ? Json(*date_time) : JsonValue(value);
+    }
+    out << record.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+  }
+}
+
+void WriteTable(Repository& repository, std::ostream& out,
+                DateTimeColumns columns) {
+  RepositoryFieldList& fields = repository.Fields();
+  const int32_t field_count = fields.Count();
+  const int32_t record_count = repository.RecordCount();
+  if (field_count == 0) return;
+
+  std::vector<std::string> names;
+  std::vector<TableColumn> layout(static_cast<size_t>(field_count));
+  for (int32_t f = 1; f <= field_count; ++f) {
+    names.push_back(Escaped(fields.Item(f)->Name(), false));
+    layout[static_cast<size_t>(f - 1)].width = CharacterCount(names.back());
+  }
+  // First pass: widths and which columns hold only numbers.
+  for (int32_t r = 1; r <= record_count; ++r) {
+    for (int32_t f = 1; f <= field_count; ++f) {
+      const TableCell cell = TableCellOf(repository.Value(r, f), f, columns);
+      TableColumn& column = layout[static_cast<size_t>(f - 1)];
+      column.width = std::max(column.width, CharacterCount(cell.text));
+      if (!cell.text.empty() && !cell.right) column.numeric = false;
+    }
+  }
+
+  std::string line;
+  for (int32_t f = 1; f <= field_count; ++f) {
+    const TableColumn& column = layout[static_cast<size_t>(f - 1)];
+    if (f > 1) line += "  ";
+    AppendPadded(line, names[static_cast<size_t>(f - 1)], column.width,
+                 column.numeric);
+  }
+  PutLine(out, line);
+  for (int32_t f = 1; f <= field_count; ++f) {
+    if (f > 1) line += "  ";
+    line.append(layout[static_cast<size_t>(f - 1)].width, '-');
+  }
+  PutLine(out, line);
+  for (int32_t r = 1; r <= record_count; ++r) {
+    for (int32_t f = 1; f <= field_count; ++f) {
+      const TableCell cell = TableCellOf(repository.Value(r, f), f, columns);
+      if (f > 1) line += "  ";
+      AppendPadded(line, cell.text, layout[static_cast<size_t>(f - 1)].width,
+                   cell.right);
+    }
+    PutLine(out, line);
+  }
+}
+
+}  // namespace rz

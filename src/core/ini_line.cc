@@ -1,0 +1,53 @@
+// Copyright 2026 The Veltmark authors.
+
+#include "core/ini_line.h"
+
+#include "core/text.h"
+
+namespace rz {
+namespace {
+
+size_t CharacterCount(std::string_view text) {
+  size_t count = 0;
+  size_t pos = 0;
+  while (pos < text.size()) {
+    utf8::NextChar(text, &pos);
+    ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+IniLine ParseIniLine(std::string_view line) {
+  std::string text(line);
+  for (char& c : text) {
+    if (c == '\t' || c == '\r' || c == '\n') c = ' ';
+  }
+  text = Trim(text);
+  if (text.empty()) return {};
+  if (text.front() == '[') return {UpperCase(text), ""};
+  const size_t equal = text.find('=');
+  if (equal == std::string::npos) return {};
+  return {UpperCase(RTrim(std::string_view(text).substr(0, equal))),
+          Trim(std::string_view(text).substr(equal + 1))};
+}
+
+std::string FormatIniKeyLine(std::string_view key, std::string_view value,
+                             int leading_spaces, int equal_pos) {
+  std::string line(leading_spaces > 0 ? static_cast<size_t>(leading_spaces) : 0,
+                   ' ');
+  line += key;
+  const size_t width =
+      static_cast<size_t>(leading_spaces > 0 ? leading_spaces : 0) +
+      CharacterCount(key);
+  if (equal_pos > 1 && width < static_cast<size_t>(equal_pos - 1)) {
+    line.append(static_cast<size_t>(equal_pos - 1) - width, ' ');
+  }
+  if (value.empty()) return line + "=";
+  line += "= ";
+  line += value;
+  return line;
+}
+
+}  // namespace rz
