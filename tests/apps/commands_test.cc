@@ -15,7 +15,7 @@
 #include "platform/file_system.h"
 #include "support/error_number.h"
 #include "support/fake_platform.h"
-#include "support/socket_folder.h"
+#include "support/temp_folder.h"
 
 namespace rz {
 namespace {
@@ -38,14 +38,14 @@ TemplateCompleter CompleteOnDisk(FakePlatform& platform, int* calls) {
 
 class CommandsTest : public ::testing::Test {
  protected:
-  SocketFolder folder_;
+  TempFolder folder_;
   FakePlatform platform_;
   std::ostringstream out_;
 };
 
 TEST_F(CommandsTest, SampleRefusesAnExistingApplicationUnlessForced) {
   for (const char* existing : {"line4.rzt", "line4.rzd"}) {
-    SocketFolder folder;
+    TempFolder folder;
     WriteFile(folder.File(existing), "keep");
     FakePlatform platform;
     SampleOptions options;

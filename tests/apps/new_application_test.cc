@@ -16,7 +16,7 @@
 #include "rzselect/sample_data.h"
 #include "rzselect/template_completion.h"
 #include "support/error_number.h"
-#include "support/socket_folder.h"
+#include "support/temp_folder.h"
 
 namespace rz {
 namespace {
@@ -57,7 +57,7 @@ std::unique_ptr<ApplicationFile> Open(const std::string& path) {
 
 class NewApplicationTest : public ::testing::Test {
  protected:
-  SocketFolder folder_;
+  TempFolder folder_;
 };
 
 TEST_F(NewApplicationTest, WritesAndCompletesTheTemplate) {

@@ -31,7 +31,7 @@ std::vector<std::string> FolderEntries(const std::string& folder) {
 
 class CliImportTest : public ::testing::Test {
  protected:
-  SocketFolder folder_;
+  TempFolder folder_;
 };
 
 TEST_F(CliImportTest, ImportsASmallCsvFile) {

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "support/child_process.h"
-#include "support/socket_folder.h"
+#include "support/temp_folder.h"
 
 #ifndef RZSELECT_PATH
 #error "RZSELECT_PATH must name the rzselect executable"
@@ -36,7 +36,7 @@ inline std::string ReadWholeFile(const std::string& path) {
 }
 
 inline CliResult RunRzselect(const std::vector<std::string>& args) {
-  SocketFolder logs;
+  TempFolder logs;
   std::vector<std::string> argv = {RZSELECT_PATH};
   argv.insert(argv.end(), args.begin(), args.end());
   CliResult result;

@@ -21,7 +21,7 @@ class CliSampleTest : public ::testing::Test {
   std::string Template() const { return folder_.File("demo/line4.rzt"); }
   std::string Data() const { return folder_.File("demo/line4.rzd"); }
 
-  SocketFolder folder_;
+  TempFolder folder_;
 };
 
 TEST_F(CliSampleTest, WritesTheGeneratedApplication) {

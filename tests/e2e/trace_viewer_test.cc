@@ -16,7 +16,7 @@
 #include "platform/headless_toolkit.h"
 #include "platform/trace.h"
 #include "support/child_process.h"
-#include "support/socket_folder.h"
+#include "support/temp_folder.h"
 #include "trace/trace_client.h"
 
 #ifndef RZDEBUG_PATH
@@ -73,7 +73,7 @@ class TraceViewerTest : public ::testing::Test {
     thread.join();
   }
 
-  SocketFolder folder_;
+  TempFolder folder_;
   std::string socket_;
   std::string output_;
   HeadlessToolkit toolkit_;

@@ -18,7 +18,7 @@
 #include "core/error.h"
 #include "core/text.h"
 #include "support/error_number.h"
-#include "support/socket_folder.h"
+#include "support/temp_folder.h"
 
 // Counts heap allocations, so a test can check that Matches makes none.
 namespace {
@@ -90,7 +90,7 @@ class ConditionFilterTest : public ::testing::Test {
     return records;
   }
 
-  SocketFolder folder_;
+  TempFolder folder_;
   std::string path_ = folder_.File("filter.rzd");
   std::unique_ptr<SqliteDataStore> store_;
 };
@@ -290,7 +290,7 @@ TEST(ConditionFilterNumberTextTest, LikeSeesTheShortestText) {
   const std::vector<double> values = {
       1e20,    1.5e-7, -2.5e20, 123456789012345,   1e15,    0.00001, 1e-6, 0.1,
       1.0 / 3, -0.5,   1e100,   999999999999999.9, 4.2e-300};
-  SocketFolder folder;
+  TempFolder folder;
   const std::string path = folder.File("numbers.rzd");
   std::vector<Row> rows;
   for (double value : values) rows.push_back({"2024-01-01", "08:00:00", value});
@@ -327,7 +327,7 @@ class FindDateRangeTest : public ::testing::Test {
     return SqliteDataStore::Open(path, {false, false});
   }
 
-  SocketFolder folder_;
+  TempFolder folder_;
   int files_ = 0;
 };
 

@@ -20,7 +20,7 @@
 #include "core/error.h"
 #include "core/text.h"
 #include "support/error_number.h"
-#include "support/socket_folder.h"
+#include "support/temp_folder.h"
 
 namespace rz {
 namespace {
@@ -39,7 +39,7 @@ std::string ErrorDescription(const std::function<void()>& action) {
 
 class DataStoreTest : public ::testing::Test {
  protected:
-  SocketFolder folder_;
+  TempFolder folder_;
   std::string path_ = folder_.File("line4.rzd");
 
   std::unique_ptr<SqliteDataStore> Load() {

@@ -24,7 +24,7 @@
 #include <vector>
 
 #include "support/child_process.h"
-#include "support/socket_folder.h"
+#include "support/temp_folder.h"
 #include "trace/trace_client.h"
 
 #ifndef RZDEBUG_PATH
@@ -94,7 +94,7 @@ double SecondsFromNow(const std::string& line) {
 }
 
 TEST(RzdebugTest, PrintsEachRecordWithItsArrivalTime) {
-  SocketFolder folder;
+  TempFolder folder;
   const std::string socket = folder.File("trace.sock");
   const std::string output = folder.File("trace.log");
   std::ofstream(output) << "kept from before\n";
@@ -134,7 +134,7 @@ TEST(RzdebugTest, PrintsEachRecordWithItsArrivalTime) {
 }
 
 TEST(RzdebugTest, SecondViewerOnTheSameSocketIsRefused) {
-  SocketFolder folder;
+  TempFolder folder;
   const std::string socket = folder.File("trace.sock");
   Child first({RZDEBUG_PATH, "--socket", socket}, folder.File("out1.txt"),
               folder.File("err1.txt"));
@@ -157,7 +157,7 @@ TEST(RzdebugTest, SecondViewerOnTheSameSocketIsRefused) {
 }
 
 TEST(RzdebugTest, InterruptEndsTheViewerCleanly) {
-  SocketFolder folder;
+  TempFolder folder;
   const std::string socket = folder.File("trace.sock");
   Child viewer({RZDEBUG_PATH, "--socket", socket}, folder.File("out.txt"),
                folder.File("err.txt"));
@@ -168,7 +168,7 @@ TEST(RzdebugTest, InterruptEndsTheViewerCleanly) {
 }
 
 TEST(RzdebugTest, RefusesWhatItCannotDo) {
-  SocketFolder folder;
+  TempFolder folder;
   const std::string socket = folder.File("trace.sock");
   const std::string missing = folder.File("missing/x");
   struct Case {
@@ -194,7 +194,7 @@ TEST(RzdebugTest, RefusesWhatItCannotDo) {
 }
 
 TEST(RzdebugTest, VersionNamesTheProjectVersion) {
-  SocketFolder folder;
+  TempFolder folder;
   Child viewer({RZDEBUG_PATH, "--version"}, folder.File("out.txt"),
                folder.File("err.txt"));
   EXPECT_EQ(viewer.WaitExit(milliseconds(5000)), 0);

@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "core/error.h"
-#include "support/socket_folder.h"
+#include "support/temp_folder.h"
 #include "trace/trace_client.h"
 #include "trace/trace_server.h"
 #include "trace/trace_wire.h"
@@ -62,13 +62,13 @@ class ServerFixture {
   const std::string& path() const { return path_; }
   TraceServer& server() { return *server_; }
   void Stop() { server_.reset(); }
-  const SocketFolder& folder() const { return folder_; }
+  const TempFolder& folder() const { return folder_; }
 
   std::vector<TraceRecord> records;
   std::vector<Fault> faults;
 
  private:
-  SocketFolder folder_;
+  TempFolder folder_;
   std::string path_;
   std::unique_ptr<TraceServer> server_;
 };
@@ -296,7 +296,7 @@ TEST(TraceChannelTest, LinesUpToTheLimitPassLongerOnesAreCut) {
 }
 
 TEST(TraceChannelTest, ConnectWhereNothingListensIsNullAndFast) {
-  SocketFolder folder;
+  TempFolder folder;
   const std::string stale = folder.File("stale.sock");
   MakeStaleSocket(stale);
   const std::string regular = folder.File("plain.txt");
@@ -317,7 +317,7 @@ TEST(TraceChannelTest, ConnectWhereNothingListensIsNullAndFast) {
 }
 
 TEST(TraceChannelTest, StaleSocketFileIsReplaced) {
-  SocketFolder folder;
+  TempFolder folder;
   const std::string path = folder.File("trace.sock");
   MakeStaleSocket(path);
   std::vector<TraceRecord> records;
@@ -352,7 +352,7 @@ TEST(TraceChannelTest, SecondServerOnALivePathIsRefused) {
 }
 
 TEST(TraceChannelTest, ListenRefusesPathsItMustNotTake) {
-  SocketFolder folder;
+  TempFolder folder;
   const std::string regular = folder.File("notes.txt");
   std::ofstream(regular) << "keep me";
   struct Case {
