@@ -48,7 +48,7 @@ void Report(std::ostream& out, std::string_view template_path,
 }  // namespace
 
 void RunSample(Platform& platform, const SampleOptions& options,
-               const TemplateCompleter& complete, std::ostream& out) {
+               std::ostream& out) {
   const std::string template_path = JoinPath(NormalizePath(options.folder),
                                              std::string(kSampleName) + ".rzt");
   if (!options.force && ApplicationFilesExist(template_path)) {
@@ -59,8 +59,6 @@ void RunSample(Platform& platform, const SampleOptions& options,
       GenerateSample(options.records, options.seed);
   std::shared_ptr<AppFile> file = platform.CreateAppFile();
   WriteNewApplication(*file, application, template_path, options.force);
-  file.reset();
-  complete(template_path, application);
   Report(out, template_path, application);
 }
 

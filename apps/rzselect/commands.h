@@ -19,7 +19,6 @@
 #define RZ_APPS_RZSELECT_COMMANDS_H_
 
 #include <cstdint>
-#include <functional>
 #include <ostream>
 #include <string>
 
@@ -42,15 +41,8 @@ struct ImportOptions {
   bool force = false;
 };
 
-// Writes what a new application holds beyond the application-file
-// interface (its rules and secured functions) into the template just
-// written at `template_path` (template_completion.h in the program; tests
-// hand in their own).
-using TemplateCompleter = std::function<void(
-    const std::string& template_path, const NewApplication& application)>;
-
 void RunSample(Platform& platform, const SampleOptions& options,
-               const TemplateCompleter& complete, std::ostream& out);
+               std::ostream& out);
 
 void RunImport(Platform& platform, const ImportOptions& options,
                std::ostream& out);

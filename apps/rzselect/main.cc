@@ -13,7 +13,6 @@
 #include "core/error.h"
 #include "engine/rzselect.h"
 #include "rzselect/commands.h"
-#include "rzselect/template_completion.h"
 
 namespace {
 
@@ -79,7 +78,7 @@ int main(int argc, char** argv) {
     rz::ConsoleToolkit toolkit;
     rz::SystemPlatform platform(toolkit);
     if (app.got_subcommand("sample")) {
-      rz::RunSample(platform, sample_options, rz::CompleteTemplate, std::cout);
+      rz::RunSample(platform, sample_options, std::cout);
     } else if (app.got_subcommand("import")) {
       rz::RunImport(platform, import_options, std::cout);
     } else {

@@ -44,6 +44,8 @@ void WriteHeader(AppFile& file, const NewApplication& application) {
   }
   file.SetShiftHours(application.shift_hours);
   file.SetShiftStartText(application.shift_start);
+  file.SetSecuredFunctions(application.secured_functions);
+  for (const Rule& rule : application.rules) file.AddRule(rule);
 }
 
 void WriteVariables(AppFile& file, const NewApplication& application) {

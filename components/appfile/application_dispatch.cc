@@ -92,10 +92,14 @@ void AddTexts(Table& t) {
           [](ApplicationFile& f, const Variant& v, DispatchArgs&) {
             f.SetShiftStartText(v.ToString());
           })
-      .Property("SecuredFunctions",
-                [](ApplicationFile& f, DispatchArgs&) -> Variant {
-                  return f.SecuredFunctions();
-                })
+      .Property(
+          "SecuredFunctions",
+          [](ApplicationFile& f, DispatchArgs&) -> Variant {
+            return f.SecuredFunctions();
+          },
+          [](ApplicationFile& f, const Variant& v, DispatchArgs&) {
+            f.SetSecuredFunctions(v.ToString());
+          })
       .Property("TemplateWritable",
                 [](ApplicationFile& f, DispatchArgs&) -> Variant {
                   return f.TemplateWritable();
@@ -198,6 +202,19 @@ void AddLists(Table& t) {
                 [](ApplicationFile& f, DispatchArgs&) {
                   return ListObject(f, dynamic_cast<Dispatch&>(f.Views()));
                 })
+      .Method(
+          "AddRule",
+          [](ApplicationFile& f, DispatchArgs& a) {
+            // key, name, six texts, two numbers
+            Rule rule{a[0].ToString(), a[1].ToString(), {}};
+            for (size_t i = 0; i < rule.attributes.texts.size(); ++i) {
+              rule.attributes.texts[i] = a[2 + i].ToString();
+            }
+            rule.attributes.numbers = {a[8].ToDouble(), a[9].ToDouble()};
+            f.AddRule(rule);
+            return Done();
+          },
+          10, 10)
       .Method("RefreshViews",
               [](ApplicationFile& f, DispatchArgs&) {
                 f.RefreshViews();

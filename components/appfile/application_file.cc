@@ -252,6 +252,16 @@ void ApplicationFile::SetHeaderItem(std::string_view key,
   HeaderItemSlot(template_, key) = value;
 }
 
+void ApplicationFile::SetSecuredFunctions(std::string_view value) {
+  RequireClosed("SecuredFunctions");
+  template_.secured_functions = std::string(value);
+}
+
+void ApplicationFile::AddRule(const Rule& rule) {
+  RequireClosed("AddRule");
+  AppendNewRule(template_.rules, rule);
+}
+
 // --- Catalogue ---
 
 void ApplicationFile::RefreshViews() {

@@ -115,6 +115,8 @@ class ApplicationFile final : public AppFile {
   void SetShiftHours(double value) override;
   void SetShiftStartText(std::string_view value) override;
   void SetHeaderItem(std::string_view key, const Variant& value) override;
+  void SetSecuredFunctions(std::string_view value) override;
+  void AddRule(const Rule& rule) override;
 
   // --- Definitions and catalogues ---
   VariableList& Variables() override { return variables_; }

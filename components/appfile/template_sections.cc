@@ -123,12 +123,6 @@ bool ReadRuleNumber(const std::string& text, double& number,
   return true;
 }
 
-size_t CharacterCount(std::string_view text) {
-  size_t count = 0;
-  for (size_t pos = 0; pos < text.size(); ++count) utf8::NextChar(text, &pos);
-  return count;
-}
-
 // A number attribute: a whole number in the 16-bit range as an Integer,
 // another number as a Double, anything else kept as text.
 Variant NumberValue(const std::string& text, bool always_double) {
@@ -228,7 +222,7 @@ bool ParseRuleValue(std::string_view value, Rule& rule, std::string& problem) {
         std::to_string(fields.size());
     return false;
   }
-  if (CharacterCount(fields[0]) != 1) {
+  if (utf8::CharacterCount(fields[0]) != 1) {
     problem = "the key of a rule must be one letter, found '" + fields[0] + "'";
     return false;
   }

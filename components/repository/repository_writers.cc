@@ -161,15 +161,6 @@ std::string Escaped(std::string_view text, bool backslash) {
   return out;
 }
 
-size_t CharacterCount(std::string_view text) {
-  size_t count = 0;
-  for (size_t pos = 0; pos < text.size();) {
-    utf8::NextChar(text, &pos);
-    ++count;
-  }
-  return count;
-}
-
 // A value as a table shows it: escaped, and right-aligned when it is a
 // number or a text that is one number (a run stores formatted numbers as
 // texts). Fields 1 and 2 written as date and time are texts.
@@ -228,7 +219,7 @@ struct TableColumn {
 // Appends `text` padded to `width` characters on the left or the right.
 void AppendPadded(std::string& line, std::string_view text, size_t width,
                   bool right) {
-  const size_t length = CharacterCount(text);
+  const size_t length = utf8::CharacterCount(text);
   const size_t padding = width > length ? width - length : 0;
   if (right) line.append(padding, ' ');
   line += text;
@@ -307,14 +298,14 @@ void WriteTable(Repository& repository, std::ostream& out,
   std::vector<TableColumn> layout(static_cast<size_t>(field_count));
   for (int32_t f = 1; f <= field_count; ++f) {
     names.push_back(Escaped(fields.Item(f)->Name(), false));
-    layout[static_cast<size_t>(f - 1)].width = CharacterCount(names.back());
+    layout[static_cast<size_t>(f - 1)].width = utf8::CharacterCount(names.back());
   }
   // First pass: widths and which columns hold only numbers.
   for (int32_t r = 1; r <= record_count; ++r) {
     for (int32_t f = 1; f <= field_count; ++f) {
       const TableCell cell = TableCellOf(repository.Value(r, f), f, columns);
       TableColumn& column = layout[static_cast<size_t>(f - 1)];
-      column.width = std::max(column.width, CharacterCount(cell.text));
+      column.width = std::max(column.width, utf8::CharacterCount(cell.text));
       if (!cell.text.empty() && !cell.right) column.numeric = false;
     }
   }

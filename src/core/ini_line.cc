@@ -5,19 +5,6 @@
 #include "core/text.h"
 
 namespace rz {
-namespace {
-
-size_t CharacterCount(std::string_view text) {
-  size_t count = 0;
-  size_t pos = 0;
-  while (pos < text.size()) {
-    utf8::NextChar(text, &pos);
-    ++count;
-  }
-  return count;
-}
-
-}  // namespace
 
 IniLine ParseIniLine(std::string_view line) {
   std::string text(line);
@@ -40,7 +27,7 @@ std::string FormatIniKeyLine(std::string_view key, std::string_view value,
   line += key;
   const size_t width =
       static_cast<size_t>(leading_spaces > 0 ? leading_spaces : 0) +
-      CharacterCount(key);
+      utf8::CharacterCount(key);
   if (equal_pos > 1 && width < static_cast<size_t>(equal_pos - 1)) {
     line.append(static_cast<size_t>(equal_pos - 1) - width, ' ');
   }

@@ -335,6 +335,12 @@ uint32_t NextChar(std::string_view text, size_t* pos) {
   return ch;
 }
 
+size_t CharacterCount(std::string_view text) {
+  size_t count = 0;
+  for (size_t pos = 0; pos < text.size(); ++count) NextChar(text, &pos);
+  return count;
+}
+
 void AppendChar(uint32_t ch, std::string* out) {
   if (IsInvalidByte(ch)) {
     out->push_back(static_cast<char>(ch - kInvalidByteBase));

@@ -114,6 +114,9 @@ void AppendChar(uint32_t ch, std::string* out);
 // True for an invalid-byte value returned by NextChar.
 inline bool IsInvalidByte(uint32_t ch) { return ch >= kInvalidByteBase; }
 
+// The number of characters of `text` (an invalid byte counts as one).
+size_t CharacterCount(std::string_view text);
+
 // Case mapping of one character (see the file comment).
 uint32_t UpperChar(uint32_t ch);
 uint32_t LowerChar(uint32_t ch);

@@ -3,6 +3,7 @@
 #include "platform/app_file.h"
 
 #include "core/error.h"
+#include "core/text.h"
 
 namespace rz {
 namespace {
@@ -60,6 +61,20 @@ std::optional<StatisticValue> StatisticValueForName(std::string_view name) {
     }
   }
   return std::nullopt;
+}
+
+void AppendNewRule(std::vector<Rule>& rules, const Rule& rule) {
+  if (utf8::CharacterCount(rule.key) != 1) {
+    throw Error::InvalidArgument("the key of a rule must be one letter, "
+                                 "found '" + rule.key + "'");
+  }
+  for (const Rule& existing : rules) {
+    if (EqualsIgnoreCase(existing.key, rule.key)) {
+      throw Error::InvalidArgument("rule key '" + rule.key +
+                                   "' is already used");
+    }
+  }
+  rules.push_back(rule);
 }
 
 bool AppFile::SameStructure(AppFile& other) {

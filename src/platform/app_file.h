@@ -89,6 +89,11 @@ struct Rule {
   bool operator==(const Rule&) const = default;
 };
 
+// Appends `rule` to `rules`. Error 5 when its key is not one character or
+// equals (ignoring case) the key of a rule already there; `rules` is then
+// unchanged.
+void AppendNewRule(std::vector<Rule>& rules, const Rule& rule);
+
 // One entry of the view catalogue: the view's name and its number (unique
 // within the application; the view's file is the base path, ".V" and the
 // number).
@@ -371,6 +376,11 @@ class AppFile : public Dispatch {
   virtual void SetShiftStartText(std::string_view value) = 0;
   // Error 5 for a key IsHeaderItemKey() refuses.
   virtual void SetHeaderItem(std::string_view key, const Variant& value) = 0;
+  // The secured-function text and the rules of the new application. AddRule
+  // appends after the rules added before; error 5 (AppendNewRule) for a key
+  // that is not one character or is already used.
+  virtual void SetSecuredFunctions(std::string_view value) = 0;
+  virtual void AddRule(const Rule& rule) = 0;
 
   // --- Definitions and catalogues ---
 

@@ -13,6 +13,7 @@
 
 #include "core/error.h"
 #include "platform/file_system.h"
+#include "rzselect/sample_data.h"
 #include "support/error_number.h"
 #include "support/fake_platform.h"
 #include "support/temp_folder.h"
@@ -22,18 +23,6 @@ namespace {
 
 void WriteFile(const std::string& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
-}
-
-// Stands in for the program's template completion: puts the rules and
-// the secured functions into the application on the fake disk.
-TemplateCompleter CompleteOnDisk(FakePlatform& platform, int* calls) {
-  return [&platform, calls](const std::string& path,
-                            const NewApplication& application) {
-    ++*calls;
-    FakeApplication& stored = platform.Disk().at(path);
-    stored.rules = application.rules;
-    stored.secured_functions = application.secured_functions;
-  };
 }
 
 class CommandsTest : public ::testing::Test {
@@ -51,19 +40,19 @@ TEST_F(CommandsTest, SampleRefusesAnExistingApplicationUnlessForced) {
     SampleOptions options;
     options.folder = folder.File("");
     options.records = 5;
-    int calls = 0;
-    const TemplateCompleter complete = CompleteOnDisk(platform, &calls);
     EXPECT_EQ(
-        ErrorNumber([&] { RunSample(platform, options, complete, out_); }), 58)
+        ErrorNumber([&] { RunSample(platform, options, out_); }), 58)
         << existing;
     EXPECT_TRUE(platform.AppFiles().empty()) << existing;
-    EXPECT_EQ(calls, 0);
     EXPECT_EQ(ReadBinaryFile(folder.File(existing)), "keep");
 
     options.force = true;
-    RunSample(platform, options, complete, out_);
+    RunSample(platform, options, out_);
     EXPECT_EQ(platform.Disk().size(), 1u) << existing;
-    EXPECT_EQ(calls, 1);
+    const FakeApplication& stored = platform.Disk().begin()->second;
+    const NewApplication sample = GenerateSample(options.records, options.seed);
+    EXPECT_EQ(stored.rules, sample.rules);
+    EXPECT_EQ(stored.secured_functions, sample.secured_functions);
   }
 }
 

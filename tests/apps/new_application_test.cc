@@ -1,8 +1,8 @@
 // Copyright 2026 The Veltmark authors.
 //
 // Writing a NewApplication through the real application-file component:
-// what the interface carries, what CompleteTemplate adds, and that a
-// failure half-way leaves nothing behind.
+// every header item, rule and record reads back, a second rule with the
+// same key is refused, and a failure half-way leaves nothing behind.
 
 #include "rzselect/new_application.h"
 
@@ -14,7 +14,6 @@
 #include "core/error.h"
 #include "platform/file_system.h"
 #include "rzselect/sample_data.h"
-#include "rzselect/template_completion.h"
 #include "support/error_number.h"
 #include "support/temp_folder.h"
 
@@ -60,22 +59,22 @@ class NewApplicationTest : public ::testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(NewApplicationTest, WritesAndCompletesTheTemplate) {
+TEST_F(NewApplicationTest, WritesTheWholeApplication) {
   const std::string path = folder_.File("small.rzt");
-  const NewApplication app = SmallApplication();
+  NewApplication app = SmallApplication();
+  app.rules.push_back({"b", "Run", {{"", "", "", "", "", ""}, {7, 0}}});
   {
     ApplicationFile file;
     WriteNewApplication(file, app, path, false);
   }
-  EXPECT_EQ(Open(path)->Rules().Count(), 0);  // not through the interface
-  CompleteTemplate(path, app);
 
   auto file = Open(path);
   ASSERT_TRUE(file->ApplicationExists());
   EXPECT_EQ(file->AppTitle(), "Small");
   EXPECT_EQ(file->SecuredFunctions(), "EXPORT,DELETE");
-  ASSERT_EQ(file->Rules().Count(), 1);
+  ASSERT_EQ(file->Rules().Count(), 2);
   EXPECT_EQ(file->Rules().Item(1), app.rules[0]);
+  EXPECT_EQ(file->Rules().Item(2), app.rules[1]);
   // The rest of the template and the data are as written.
   EXPECT_EQ(file->Variables().Item(3)->GetLimit(LimitKind::kUsl),
             (Limit{"F", 12.25}));
@@ -115,11 +114,19 @@ TEST_F(NewApplicationTest, FailureHalfWayLeavesNothing) {
   EXPECT_TRUE(FolderEntries(folder_.File("")).empty());
 }
 
-TEST_F(NewApplicationTest, CompletingAMissingTemplateIsError53) {
-  EXPECT_EQ(ErrorNumber([&] {
-              CompleteTemplate(folder_.File("none.rzt"), SmallApplication());
-            }),
-            53);
+TEST_F(NewApplicationTest, BadRuleKeysAreRefusedBeforeAnythingIsWritten) {
+  for (const char* key : {"a", "", "AB"}) {  // "a" repeats "A"
+    NewApplication app = SmallApplication();
+    app.rules.push_back({key, "Second", {}});
+    ApplicationFile file;
+    EXPECT_EQ(ErrorNumber([&] {
+                WriteNewApplication(file, app, folder_.File("small.rzt"),
+                                    false);
+              }),
+              5)
+        << key;
+    EXPECT_TRUE(FolderEntries(folder_.File("")).empty()) << key;
+  }
 }
 
 }  // namespace

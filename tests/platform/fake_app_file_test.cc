@@ -124,8 +124,12 @@ TEST_F(FakeAppFileTest, WritesANewApplicationOnlyWhenClosed) {
   out.Variables().Add("Time", "T", 8, 0);
   auto weight = out.Variables().Add("Weight", "N", 8, 2);
   EXPECT_EQ(weight->Get(FieldAttribute::kPosition), Variant(int16_t{3}));
+  out.SetSecuredFunctions("EXPORT");
+  out.AddRule({"A", "Beyond", {}});
+  EXPECT_EQ(ErrorNumber([&] { out.AddRule({"a", "Again", {}}); }), 5);
   out.SetOpenMode(kOpenCreateNew);
   out.OpenApplication("/apps/export.rzt");
+  EXPECT_EQ(ErrorNumber([&] { out.AddRule({"B", "Late", {}}); }), 5);
 
   // Header and variables are fixed once the application is open.
   EXPECT_EQ(ErrorNumber([&] { out.SetAppTitle("Other"); }), 5);
@@ -150,6 +154,9 @@ TEST_F(FakeAppFileTest, WritesANewApplicationOnlyWhenClosed) {
   auto back = Open("/apps/export.rzt");
   ASSERT_TRUE(back->ApplicationExists());
   EXPECT_EQ(back->AppTitle(), "Export");
+  EXPECT_EQ(back->SecuredFunctions(), "EXPORT");
+  ASSERT_EQ(back->Rules().Count(), 1);
+  EXPECT_EQ(back->Rules().Item(1).name, "Beyond");
   EXPECT_EQ(back->HeaderItem("VERSION"), Variant(5.0));
   EXPECT_EQ(back->HeaderItem("ITEM6"), Variant(int16_t{0}));
   EXPECT_TRUE(back->HeaderItem("ITEM7").IsEmpty());

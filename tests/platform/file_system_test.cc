@@ -132,27 +132,27 @@ void ExpectFileError(const std::function<void()>& action, int number,
       << context << ": the error names the path: " << error->Description();
 }
 
-TEST_F(FileSystemTest, FolerReadOnlyOnWritableFolderWithAnySeparator) {
+TEST_F(FileSystemTest, FolderReadOnlyOnWritableFolderWithAnySeparator) {
   const std::string folders[] = {dir_, dir_ + "/", dir_ + "\\", dir_ + "/./"};
   for (const std::string& folder : folders) {
     RecordingPlatform platform;
-    EXPECT_FALSE(FolerReadOnly(platform, folder)) << folder;
+    EXPECT_FALSE(FolderReadOnly(platform, folder)) << folder;
     EXPECT_TRUE(Names().empty()) << folder << ": dummy file left behind";
     ASSERT_EQ(platform.sent.size(), 1u) << folder;
     EXPECT_EQ(platform.sent[0],
               (Sent{std::string(kTraceComponent), "modRZselect",
-                    "FolerReadOnly", "Result=False"}));
+                    "FolderReadOnly", "Result=False"}));
   }
 }
 
-TEST_F(FileSystemTest, FolerReadOnlyOnEmptyPathIsTrueWithoutTrace) {
+TEST_F(FileSystemTest, FolderReadOnlyOnEmptyPathIsTrueWithoutTrace) {
   RecordingPlatform platform;
-  EXPECT_TRUE(FolerReadOnly(platform, ""));
+  EXPECT_TRUE(FolderReadOnly(platform, ""));
   EXPECT_EQ(platform.lookups, 0);
   EXPECT_TRUE(platform.sent.empty());
 }
 
-TEST_F(FileSystemTest, FolerReadOnlyWhenTheProbeCannotBeWritten) {
+TEST_F(FileSystemTest, FolderReadOnlyWhenTheProbeCannotBeWritten) {
   MakeFile("plain.txt", "x");
   fs::create_directory(Path("blocked"));
   fs::create_directory(Path("blocked/dummy.$$$"));  // a folder in the way
@@ -161,30 +161,30 @@ TEST_F(FileSystemTest, FolerReadOnlyWhenTheProbeCannotBeWritten) {
                                  std::string("bad\0name", 8)};
   for (const std::string& folder : folders) {
     RecordingPlatform platform;
-    EXPECT_TRUE(FolerReadOnly(platform, folder)) << folder;
+    EXPECT_TRUE(FolderReadOnly(platform, folder)) << folder;
     ASSERT_EQ(platform.sent.size(), 1u) << folder;
-    EXPECT_EQ(platform.sent[0][2], "FolerReadOnly");
+    EXPECT_EQ(platform.sent[0][2], "FolderReadOnly");
     EXPECT_EQ(platform.sent[0][3], "Result=True");
   }
   EXPECT_FALSE(FileExists(Path("missing")));
   EXPECT_TRUE(fs::is_directory(Path("blocked/dummy.$$$")));
 }
 
-TEST_F(FileSystemTest, FolerReadOnlyOnReadOnlyFolder) {
+TEST_F(FileSystemTest, FolderReadOnlyOnReadOnlyFolder) {
   if (RunningAsRoot()) GTEST_SKIP() << "root writes into read-only folders";
   fs::create_directory(Path("locked"));
   fs::permissions(Path("locked"), fs::perms(0555));
   RecordingPlatform platform;
-  EXPECT_TRUE(FolerReadOnly(platform, Path("locked")));
+  EXPECT_TRUE(FolderReadOnly(platform, Path("locked")));
   EXPECT_TRUE(fs::is_empty(Path("locked")));
   ASSERT_EQ(platform.sent.size(), 1u);
   EXPECT_EQ(platform.sent[0][3], "Result=True");
 }
 
-TEST_F(FileSystemTest, FolerReadOnlyReplacesAnOldProbeFile) {
+TEST_F(FileSystemTest, FolderReadOnlyReplacesAnOldProbeFile) {
   MakeFile("dummy.$$$", "left by a crash");
   RecordingPlatform platform;
-  EXPECT_FALSE(FolerReadOnly(platform, dir_));
+  EXPECT_FALSE(FolderReadOnly(platform, dir_));
   EXPECT_TRUE(Names().empty());
 }
 

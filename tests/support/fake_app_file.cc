@@ -436,6 +436,16 @@ void FakeAppFile::SetHeaderItem(std::string_view key, const Variant& value) {
   app_.header_items[UpperKey(key)] = value;
 }
 
+void FakeAppFile::SetSecuredFunctions(std::string_view value) {
+  RequireClosed("SecuredFunctions");
+  app_.secured_functions = std::string(value);
+}
+
+void FakeAppFile::AddRule(const Rule& rule) {
+  RequireClosed("AddRule");
+  AppendNewRule(app_.rules, rule);
+}
+
 VariableList& FakeAppFile::Variables() { return lists_->variables; }
 RuleList& FakeAppFile::Rules() { return lists_->rules; }
 ViewCatalogue& FakeAppFile::Views() { return lists_->views; }

@@ -160,6 +160,8 @@ class FakeAppFile : public AppFile {
   void SetShiftHours(double value) override;
   void SetShiftStartText(std::string_view value) override;
   void SetHeaderItem(std::string_view key, const Variant& value) override;
+  void SetSecuredFunctions(std::string_view value) override;
+  void AddRule(const Rule& rule) override;
 
   VariableList& Variables() override;
   RuleList& Rules() override;

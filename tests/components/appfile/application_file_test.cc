@@ -449,6 +449,35 @@ TEST_F(ApplicationFileTest, RulesComeFromTheTemplate) {
   EXPECT_EQ(ErrorNumber([&] { file->Rules().Item(3); }), 5);
 }
 
+TEST_F(ApplicationFileTest, ANewApplicationTakesRulesAndSecuredFunctions) {
+  {
+    ApplicationFile file;
+    SetExportHeader(file);
+    AddVariables(file);
+    // Through the scripting surface, as a site hook would make one.
+    file.Put("SecuredFunctions", Variant("EXPORT, DELETE"));
+    DispatchArgs rule = {"A", "Outside, limits", "t1", "", "", "", "",
+                         "t\"6", 1.0, 2.5};
+    file.Call("AddRule", rule);
+    file.AddRule({"b", "Run", {{}, {7, 0}}});
+    for (const char* bad : {"a", "B", "", "AB"}) {
+      EXPECT_EQ(ErrorNumber([&] { file.AddRule({bad, "x", {}}); }), 5) << bad;
+    }
+    file.SetOpenMode(kOpenCreateNew);
+    file.OpenApplication(Path("line4.rzt"));
+    EXPECT_EQ(ErrorNumber([&] { file.AddRule({"C", "late", {}}); }), 5);
+    EXPECT_EQ(ErrorNumber([&] { file.SetSecuredFunctions("X"); }), 5);
+    file.CloseApplication();
+  }
+  auto file = Open("line4.rzt");
+  EXPECT_EQ(file->SecuredFunctions(), "EXPORT, DELETE");
+  ASSERT_EQ(file->Rules().Count(), 2);
+  EXPECT_EQ(
+      file->Rules().Item(1),
+      (Rule{"A", "Outside, limits", {{"t1", "", "", "", "", "t\"6"}, {1, 2.5}}}));
+  EXPECT_EQ(file->Rules().Item(2), (Rule{"b", "Run", {{}, {7, 0}}}));
+}
+
 TEST_F(ApplicationFileTest, SameStructureComparesTypesInOrder) {
   Export("a.rzt");
   Export("b.rzt", {});
