@@ -33,7 +33,7 @@ class RatioReporter : public benchmark::ConsoleReporter {
       const std::string base = name.substr(0, name.size() - suffix.size());
       auto baseline = times_.find(base + "/baseline");
       if (baseline == times_.end() || baseline->second <= 0) continue;
-      std::printf("%-40s %10.2f\n", base.c_str(), time / baseline->second);
+      std::printf("%-40s %10.3g\n", base.c_str(), time / baseline->second);
     }
   }
 
