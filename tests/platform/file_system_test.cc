@@ -136,18 +136,18 @@ TEST_F(FileSystemTest, FolderReadOnlyOnWritableFolderWithAnySeparator) {
   const std::string folders[] = {dir_, dir_ + "/", dir_ + "\\", dir_ + "/./"};
   for (const std::string& folder : folders) {
     RecordingPlatform platform;
-    EXPECT_FALSE(FolderReadOnly(platform, folder)) << folder;
+    EXPECT_FALSE(FolerReadOnly(platform, folder)) << folder;
     EXPECT_TRUE(Names().empty()) << folder << ": dummy file left behind";
     ASSERT_EQ(platform.sent.size(), 1u) << folder;
     EXPECT_EQ(platform.sent[0],
               (Sent{std::string(kTraceComponent), "modRZselect",
-                    "FolderReadOnly", "Result=False"}));
+                    "FolerReadOnly", "Result=False"}));
   }
 }
 
 TEST_F(FileSystemTest, FolderReadOnlyOnEmptyPathIsTrueWithoutTrace) {
   RecordingPlatform platform;
-  EXPECT_TRUE(FolderReadOnly(platform, ""));
+  EXPECT_TRUE(FolerReadOnly(platform, ""));
   EXPECT_EQ(platform.lookups, 0);
   EXPECT_TRUE(platform.sent.empty());
 }
@@ -161,9 +161,9 @@ TEST_F(FileSystemTest, FolderReadOnlyWhenTheProbeCannotBeWritten) {
                                  std::string("bad\0name", 8)};
   for (const std::string& folder : folders) {
     RecordingPlatform platform;
-    EXPECT_TRUE(FolderReadOnly(platform, folder)) << folder;
+    EXPECT_TRUE(FolerReadOnly(platform, folder)) << folder;
     ASSERT_EQ(platform.sent.size(), 1u) << folder;
-    EXPECT_EQ(platform.sent[0][2], "FolderReadOnly");
+    EXPECT_EQ(platform.sent[0][2], "FolerReadOnly");
     EXPECT_EQ(platform.sent[0][3], "Result=True");
   }
   EXPECT_FALSE(FileExists(Path("missing")));
@@ -175,7 +175,7 @@ TEST_F(FileSystemTest, FolderReadOnlyOnReadOnlyFolder) {
   fs::create_directory(Path("locked"));
   fs::permissions(Path("locked"), fs::perms(0555));
   RecordingPlatform platform;
-  EXPECT_TRUE(FolderReadOnly(platform, Path("locked")));
+  EXPECT_TRUE(FolerReadOnly(platform, Path("locked")));
   EXPECT_TRUE(fs::is_empty(Path("locked")));
   ASSERT_EQ(platform.sent.size(), 1u);
   EXPECT_EQ(platform.sent[0][3], "Result=True");
@@ -184,7 +184,7 @@ TEST_F(FileSystemTest, FolderReadOnlyOnReadOnlyFolder) {
 TEST_F(FileSystemTest, FolderReadOnlyReplacesAnOldProbeFile) {
   MakeFile("dummy.$$$", "left by a crash");
   RecordingPlatform platform;
-  EXPECT_FALSE(FolderReadOnly(platform, dir_));
+  EXPECT_FALSE(FolerReadOnly(platform, dir_));
   EXPECT_TRUE(Names().empty());
 }
 
