@@ -21,7 +21,6 @@
 #include <sqlite3.h>
 #include <time.h>
 
-#include <cmath>
 #include <filesystem>
 #include <random>
 #include <stdexcept>
@@ -29,68 +28,21 @@
 #include <vector>
 
 #include "appfile/data_store.h"
-#include "appfile/data_writer.h"
-#include "core/date_time.h"
+#include "bench_data.h"
 #include "ratio_reporter.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kRecords = 1000000;
+using rz::bench::DataFile;
+using rz::bench::kNumbers;
+using rz::bench::kRecords;
+using rz::bench::kVariables;
+using rz::bench::Numeric;
+using rz::bench::Record;
+
 constexpr int kAppended = 1000;
-constexpr int kNumbers = 10;
-constexpr int kVariables = 2 + kNumbers + 2;
-constexpr int kSecondsApart = 30;
-
-const char* const kOperators[] = {"Anna",  "Bernd",  "Chloé", "Dariusz",
-                                  "Emeka", "Fumiko", "Gösta", "Hana"};
-
-std::vector<bool> Numeric() {
-  std::vector<bool> numeric(kVariables, false);
-  for (int k = 3; k <= 2 + kNumbers; ++k) numeric[k - 1] = true;
-  return numeric;
-}
-
-double Start() { return rz::DateSerial(2020, 1, 1); }
-
-// The values of record `index` (0-based).
-std::vector<rz::Variant> Record(int index, std::mt19937_64& random) {
-  std::normal_distribution<double> measurement(250.0, 40.0);
-  const double when =
-      Start() + static_cast<double>(index) * kSecondsApart / 86400;
-  std::vector<rz::Variant> values;
-  values.reserve(kVariables);
-  values.emplace_back(rz::FormatDate(when));
-  values.emplace_back(rz::FormatTime(when));
-  for (int k = 0; k < kNumbers; ++k) {
-    if ((index + k) % 997 == 0) {
-      values.push_back(rz::Variant::Null());
-    } else {
-      values.emplace_back(std::round(measurement(random) * 1000) / 1000);
-    }
-  }
-  values.emplace_back("Line " + std::to_string(index % 4 + 1));
-  values.emplace_back(index % 1013 == 0 ? rz::Variant::Null()
-                                        : rz::Variant(kOperators[index % 8]));
-  return values;
-}
-
-// The cached 1M-record data file, made when missing.
-std::string DataFile() {
-  const fs::path folder = RZ_BENCH_DATA_DIR;
-  const fs::path path = folder / "load1m.rzd";
-  if (fs::exists(path)) return path.string();
-  fs::create_directories(folder);
-  const fs::path partial = folder / "load1m.rzd.partial";
-  fs::remove(partial);
-  std::mt19937_64 random(42);
-  auto writer = rz::DataWriter::Create(partial.string(), Numeric());
-  for (int i = 0; i < kRecords; ++i) writer->Append(Record(i, random));
-  writer->Commit();
-  fs::rename(partial, path);
-  return path.string();
-}
 
 std::string SelectSql() {
   std::string sql = "SELECT recno";

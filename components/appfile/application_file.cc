@@ -6,14 +6,19 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <ctime>
+#include <numeric>
 
 #include "appfile/application_writer.h"
+#include "appfile/column_statistics.h"
 #include "appfile/condition_filter.h"
 #include "appfile/data_store.h"
+#include "appfile/record_columns.h"
 #include "appfile/template_views.h"
 #include "core/date_time.h"
 #include "core/error.h"
+#include "core/text.h"
 #include "platform/field_format.h"
 #include "platform/file_system.h"
 
@@ -21,7 +26,7 @@ namespace rz {
 namespace {
 
 constexpr std::string_view kDataExtension = ".rzd";
-constexpr std::string_view kSummaryPass = "the sort/summary pass";
+constexpr double kSecondsPerDay = 86400.0;
 
 // The numeric flag of each variable for the data file: variables 1 and 2
 // hold the date and time texts whatever their TYPE says.
@@ -69,7 +74,10 @@ ApplicationFile::ApplicationFile()
                  [this] { RequireClosed("Variables.Add"); }),
       rules_(template_.rules),
       views_(template_.views, template_.default_view, [this] { SaveViews(); }),
-      statistics_([this] { return variables_.Count(); }) {}
+      cursor_([this] { ForgetPass(); }),
+      statistics_([this] { return variables_.Count(); },
+                  [this](int16_t variable) { return StatisticsOf(variable); }) {
+}
 
 ApplicationFile::~ApplicationFile() = default;
 
@@ -160,7 +168,7 @@ void ApplicationFile::ResetToClosed() {
   current_ = 0;
   range_first_ = 0;
   range_last_ = 0;
-  cursor_.Reset();
+  cursor_.Reset();  // forgets the pass too
 }
 
 // --- Header ---
@@ -352,6 +360,11 @@ void ApplicationFile::RefreshRecords() const {
   const int32_t count = store_->RecordCount();
   if (current_ > count) current_ = 0;
   position_ = std::min(position_, count + 1);
+  // Records appended since the pass leave its record indexes valid;
+  // records removed do not, and the pass is forgotten.
+  if (pass_ && count < pass_record_count_) {
+    const_cast<ApplicationFile*>(this)->cursor_.Reset();
+  }
 }
 
 // --- Filter ---
@@ -398,28 +411,201 @@ void ApplicationFile::SetShiftStart(std::string_view hh_mm_ss) {
 }
 
 void ApplicationFile::SortFile() {
-  throw Error::NotAvailableYet("SortFile", kSummaryPass);
+  RequireReading("SortFile");
+  RefreshRecords();
+  PassRequest request;
+  request.summarize = summarize_;
+  request.sort_keys = sort_keys_.Keys();
+  request.summary_keys = summary_keys_.Keys();
+  request.settings = CurrentSummarySettings();
+  request.null_intervals = null_intervals_;
+  const RecordColumns& columns = store_->Columns();
+  // Everything that can be refused is refused before the last pass is
+  // forgotten and before any record is read.
+  CheckPassRequest(columns, request);
+  if (conditions_.Count() > 0) EnsureFilter();
+
+  cursor_.Reset();
+  auto pass = std::make_unique<SummaryPass>(
+      BuildSummaryPass(columns, SelectRecords(), request));
+  std::vector<SummaryGroup>& groups = cursor_.Groups();
+  groups.reserve(pass->groups.size());
+  for (const SummaryPassGroup& group : pass->groups) {
+    const int32_t first =
+        group.begin < group.end ? pass->order[group.begin] + 1 : 0;
+    groups.push_back({first});
+  }
+  pass_ = std::move(pass);
+  pass_record_count_ = store_->RecordCount();
+}
+
+SummarySettings ApplicationFile::CurrentSummarySettings() const {
+  SummarySettings settings;
+  settings.interval_seconds =
+      std::llround(ParseTimeOfDay(interval_) * kSecondsPerDay);
+  settings.shift_hours = shift_duration_;
+  const int64_t shift_start =
+      std::llround(ParseTimeOfDay(shift_start_) * kSecondsPerDay);
+  settings.day_start_seconds = plus_minus_ < 0 ? -shift_start : shift_start;
+  settings.week_days = week_days_;
+  settings.year_begins = year_begins_;
+  return settings;
+}
+
+std::vector<int32_t> ApplicationFile::SelectRecords() const {
+  const int32_t count = store_->RecordCount();
+  std::vector<int32_t> selected;
+  if (conditions_.Count() == 0) {
+    selected.resize(static_cast<size_t>(count));
+    std::iota(selected.begin(), selected.end(), 0);
+    return selected;
+  }
+  EnsureFilter();
+  selected.reserve(static_cast<size_t>(count));
+  for (int32_t record = 1; record <= count; ++record) {
+    if (filter_->Matches(*store_, record)) selected.push_back(record - 1);
+  }
+  return selected;
+}
+
+void ApplicationFile::ForgetPass() {
+  pass_.reset();
+  pass_record_count_ = 0;
+  summary_position_ = 0;
+  ForgetStatistics();
+}
+
+void ApplicationFile::ForgetStatistics() {
+  restricted_.reset();
+  statistics_cache_.clear();
 }
 
 bool ApplicationFile::EndOfSummary() const {
-  throw Error::NotAvailableYet("EndOfSummary", kSummaryPass);
+  RequireReading("EndOfSummary");
+  return !pass_ ||
+         static_cast<size_t>(summary_position_) >= pass_->groups.size();
 }
 
 void ApplicationFile::NextSummary() {
-  throw Error::NotAvailableYet("NextSummary", kSummaryPass);
+  RequireReading("NextSummary");
+  if (EndOfSummary()) {
+    throw Error::InvalidArgument(
+        "NextSummary: no summary record follows record " +
+        std::to_string(summary_position_) + " of " +
+        std::to_string(pass_ ? pass_->groups.size() : 0));
+  }
+  ++summary_position_;
+  ForgetStatistics();
 }
 
 int32_t ApplicationFile::SummaryPosition() const {
-  throw Error::NotAvailableYet("SummaryPosition", kSummaryPass);
+  RequireReading("SummaryPosition");
+  return summary_position_;
 }
 
 int32_t ApplicationFile::SummaryExtent() const {
-  throw Error::NotAvailableYet("SummaryExtent", kSummaryPass);
+  RequireReading("SummaryExtent");
+  if (!pass_) return 0;
+  if (summary_position_ == 0) {
+    return static_cast<int32_t>(pass_->selected.size());
+  }
+  const SummaryPassGroup& group = pass_->groups[summary_position_ - 1];
+  return group.end - group.begin;
 }
 
-void ApplicationFile::RestrictStatistics(int32_t, int32_t, std::string&,
-                                         int16_t, const std::string&, double&) {
-  throw Error::NotAvailableYet("RestrictStatistics", kSummaryPass);
+namespace {
+
+// True when the cell of record `record` holds `wanted` (already trimmed):
+// "" matches no value; texts compare trimmed without regard to case;
+// numbers numerically or by their shortest text.
+bool HoldsPivotValue(const RecordColumn& column, int32_t record,
+                     std::string_view wanted, std::optional<double> number) {
+  const size_t index = static_cast<size_t>(record);
+  if (column.IsNull(index)) return wanted.empty();
+  if (!column.Numeric()) {
+    return EqualsIgnoreCase(TrimSpaces(column.Text(index)), wanted);
+  }
+  if (wanted.empty()) return false;
+  const double value = column.Number(index);
+  return (number && value == *number) || ShortestNumberText(value) == wanted;
+}
+
+}  // namespace
+
+void ApplicationFile::RestrictStatistics(int32_t position, int32_t /*extent*/,
+                                         std::string& /*text*/,
+                                         int16_t pivot_variable,
+                                         const std::string& pivot_value,
+                                         double& /*work*/) {
+  RequireReading("RestrictStatistics");
+  if (!pass_ || position != summary_position_) {
+    throw Error::InvalidArgument(
+        "RestrictStatistics: summary record " + std::to_string(position) +
+        " is not the current one (" + std::to_string(summary_position_) + ")");
+  }
+  ForgetStatistics();
+  if (pivot_variable == 0) return;
+  CheckVariable(pivot_variable, 1);
+  const RecordColumn& column = store_->Columns().Column(pivot_variable);
+  const std::string_view wanted = TrimSpaces(pivot_value);
+  std::optional<double> number;
+  if (column.Numeric() && IsNumericText(wanted)) number = LeadingNumber(wanted);
+  std::vector<int32_t> records;
+  for (int32_t record : StatisticRecords()) {
+    if (HoldsPivotValue(column, record, wanted, number)) {
+      records.push_back(record);
+    }
+  }
+  restricted_ = std::move(records);
+}
+
+std::span<const int32_t> ApplicationFile::StatisticRecords() const {
+  if (restricted_) return *restricted_;
+  if (summary_position_ == 0) return pass_->selected;
+  return pass_->RecordsOf(static_cast<size_t>(summary_position_ - 1));
+}
+
+ColumnStatistic ApplicationFile::StatisticsOf(int16_t variable) {
+  RequireReading("ColumnStatistics");
+  if (!pass_) {
+    throw Error::InvalidArgument(
+        "ColumnStatistics: no summary record is current (SortFile first)");
+  }
+  const size_t slot = static_cast<size_t>(variable - 1);
+  statistics_cache_.resize(static_cast<size_t>(store_->VariableCount()));
+  if (statistics_cache_[slot]) return *statistics_cache_[slot];
+
+  ColumnStatistic result;
+  const bool empty_interval =
+      pass_->time_keyed && summary_position_ > 0 &&
+      pass_->RecordsOf(static_cast<size_t>(summary_position_ - 1)).empty();
+  if (empty_interval) {
+    result = EmptyIntervalStatistics(variable);
+  } else if (store_->IsNumeric(variable)) {
+    result = NumericStatistics(store_->Columns(), variable, StatisticRecords(),
+                               LimitsOf(*variables_.Item(variable)));
+  } else {
+    result = TextStatistics(store_->Columns(), variable, StatisticRecords());
+  }
+  statistics_cache_[slot] = result;
+  return result;
+}
+
+// An empty interval counts no record; the date and time variables report
+// the interval's start so that the summary record can be placed in time.
+ColumnStatistic ApplicationFile::EmptyIntervalStatistics(
+    int16_t variable) const {
+  ColumnStatistic result;
+  result[StatisticValue::Count] = Variant(int32_t{0});
+  const double start = SerialFromSeconds(
+      pass_->groups[static_cast<size_t>(summary_position_ - 1)].interval_start);
+  if (variable == 1 || variable == 2) {
+    const std::string text =
+        variable == 1 ? FormatDate(start) : FormatTime(start);
+    result[StatisticValue::FirstValue] = Variant(text);
+    result[StatisticValue::LastValue] = Variant(text);
+  }
+  return result;
 }
 
 // --- Writing ---

@@ -21,10 +21,24 @@
 //     marks that take records out of analysis.
 //   - Variables 1 and 2 (date and time) are text in the data whatever
 //     their TYPE says; a new application needs at least those two.
-//   - The sort/summary pass (SortFile, NextSummary, EndOfSummary,
-//     SummaryPosition, SummaryExtent, RestrictStatistics and
-//     ColumnStatistics().Item) is not built yet and raises error 5; the
-//     key lists and the summary settings already keep what they are given.
+//   - SortFile (summary_pass.h) selects the records the conditions let
+//     through and groups them. In detail mode the sort keys decide the
+//     groups, in summary mode the summary keys; the other list is not
+//     read. An empty interval's cursor item has record 0.
+//   - Before the first NextSummary the "current summary record" is every
+//     selected record (position 0, extent = their number), so a pass
+//     without keys can be read without stepping. SummaryExtent is the
+//     number of data records in the summary record.
+//   - ColumnStatistics().Item computes the statistics of a variable
+//     (column_statistics.h) when first asked and keeps them until the
+//     summary record or its restriction changes.
+//   - RestrictStatistics takes the current summary record's position
+//     (error 5 for another) and keeps the records whose pivot variable
+//     holds the pivot value: "" the records without a value, texts
+//     trimmed and compared without regard to case, numbers numerically or
+//     by their shortest text. Pivot variable 0 restores.
+//   - SummaryCursor().Reset() forgets the pass: then EndOfSummary is true
+//     and the statistics raise error 5.
 //
 // Ownership: the object owns its lists, the data store and a writer in
 // progress. Destroying it while a new application is being written
@@ -38,12 +52,14 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "appfile/app_template.h"
 #include "appfile/application_lists.h"
+#include "appfile/summary_pass.h"
 #include "platform/app_file.h"
 
 namespace rz {
@@ -191,6 +207,13 @@ class ApplicationFile final : public AppFile {
   void EnsureFilter() const;
   void SaveViews();
   bool IsNumericVariable(int16_t variable) const;
+  SummarySettings CurrentSummarySettings() const;
+  std::vector<int32_t> SelectRecords() const;
+  void ForgetPass();
+  void ForgetStatistics();
+  std::span<const int32_t> StatisticRecords() const;
+  ColumnStatistic StatisticsOf(int16_t variable);
+  ColumnStatistic EmptyIntervalStatistics(int16_t variable) const;
 
   int16_t open_mode_ = 0;
   std::string path_;      // the template path opened last, "/" separators
@@ -229,6 +252,16 @@ class ApplicationFile final : public AppFile {
   int16_t plus_minus_ = 1;
   int16_t week_days_ = 0;
   int16_t year_begins_ = 1;
+
+  // The last sort/summary pass; none after SummaryCursor().Reset().
+  std::unique_ptr<SummaryPass> pass_;
+  int32_t pass_record_count_ = 0;  // records held when it was built
+  int32_t summary_position_ = 0;   // 0 before the first NextSummary
+  // RestrictStatistics: the records of the current summary record that
+  // hold the pivot value, while a restriction is on.
+  std::optional<std::vector<int32_t>> restricted_;
+  // Statistics computed for the current summary record, by variable - 1.
+  std::vector<std::optional<ColumnStatistic>> statistics_cache_;
 };
 
 }  // namespace rz

@@ -3,6 +3,7 @@
 #include "appfile/application_lists.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "core/error.h"
@@ -499,7 +500,7 @@ ColumnStatistic AppColumnStatistics::Item(int16_t variable) const {
   if (variable < 1 || variable > Count()) {
     throw Error::SubscriptOutOfRange("variable " + std::to_string(variable));
   }
-  throw Error::NotAvailableYet("ColumnStatistics", "the sort/summary pass");
+  return statistics_(variable);
 }
 
 Variant AppColumnStatistics::Invoke(std::string_view name, InvokeKind kind,
@@ -510,8 +511,8 @@ Variant AppColumnStatistics::Invoke(std::string_view name, InvokeKind kind,
     t.Method(
          "Item",
          [](AppColumnStatistics& list, DispatchArgs& a) -> Variant {
-           list.Item(a[0].ToInteger());
-           return Variant();
+           return Variant(std::make_shared<ColumnStatisticObject>(
+               list.Item(a[0].ToInteger())));
          },
          1, 1)
         .Property("Count", CountOf<AppColumnStatistics>)
@@ -523,6 +524,25 @@ Variant AppColumnStatistics::Invoke(std::string_view name, InvokeKind kind,
 
 std::vector<std::string> AppColumnStatistics::MemberNames() const {
   return {"Item", "Count"};
+}
+
+Variant ColumnStatisticObject::Invoke(std::string_view name, InvokeKind kind,
+                                      DispatchArgs& args) {
+  const std::optional<StatisticValue> value = StatisticValueForName(name);
+  if (!value) throw Error::MemberNotSupported(name);
+  if (kind == InvokeKind::kPut || kind == InvokeKind::kPutRef) {
+    throw Error::MemberNotSupported(name);  // the statistics are read-only
+  }
+  if (!args.empty()) throw Error::WrongArgumentCount(name);
+  return values_[*value];
+}
+
+std::vector<std::string> ColumnStatisticObject::MemberNames() const {
+  std::vector<std::string> names;
+  for (int i = 0; i < kStatisticValueCount; ++i) {
+    names.emplace_back(StatisticValueName(static_cast<StatisticValue>(i)));
+  }
+  return names;
 }
 
 }  // namespace rz

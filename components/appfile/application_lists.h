@@ -174,7 +174,14 @@ class AppSummaryKeyList final : public SummaryKeyList, public Dispatch {
 
 class AppSummaryCursor final : public SummaryCursorList, public Dispatch {
  public:
-  void Reset() override { groups_.clear(); }
+  // `on_reset` runs on every Reset: the owner forgets its summary pass.
+  explicit AppSummaryCursor(std::function<void()> on_reset)
+      : on_reset_(std::move(on_reset)) {}
+
+  void Reset() override {
+    groups_.clear();
+    on_reset_();
+  }
   int32_t Count() const override;
   SummaryGroup Item(int32_t index) const override;
 
@@ -187,18 +194,22 @@ class AppSummaryCursor final : public SummaryCursorList, public Dispatch {
   VariantArray Enumerate() override;
 
  private:
+  std::function<void()> on_reset_;
   std::vector<SummaryGroup> groups_;
 };
 
 class AppColumnStatistics final : public ColumnStatisticsList, public Dispatch {
  public:
-  // `variable_count` gives the number of variables of the application.
-  explicit AppColumnStatistics(std::function<int32_t()> variable_count)
-      : variable_count_(std::move(variable_count)) {}
+  // `variable_count` gives the number of variables of the application,
+  // `statistics` the statistics of one variable over the current summary
+  // record (it raises error 5 when there is none).
+  AppColumnStatistics(std::function<int32_t()> variable_count,
+                      std::function<ColumnStatistic(int16_t)> statistics)
+      : variable_count_(std::move(variable_count)),
+        statistics_(std::move(statistics)) {}
 
   int32_t Count() const override { return variable_count_(); }
-  // The statistics come from the summary pass, which is not built yet:
-  // error 9 outside the variables, else error 5 "not available yet".
+  // Error 9 outside the variables.
   ColumnStatistic Item(int16_t variable) const override;
 
   std::string_view ClassName() const override { return "ColumnStatistics"; }
@@ -208,6 +219,24 @@ class AppColumnStatistics final : public ColumnStatisticsList, public Dispatch {
 
  private:
   std::function<int32_t()> variable_count_;
+  std::function<ColumnStatistic(int16_t)> statistics_;
+};
+
+// What scripts get from ColumnStatistics.Item(v): the 23 statistics as
+// read-only properties under their names (Count, Tdev, ..., AvgTBE), a
+// copy taken when the item was read.
+class ColumnStatisticObject final : public Dispatch {
+ public:
+  explicit ColumnStatisticObject(ColumnStatistic values)
+      : values_(std::move(values)) {}
+
+  std::string_view ClassName() const override { return "ColumnStatistic"; }
+  Variant Invoke(std::string_view name, InvokeKind kind,
+                 DispatchArgs& args) override;
+  std::vector<std::string> MemberNames() const override;
+
+ private:
+  ColumnStatistic values_;
 };
 
 }  // namespace rz

@@ -29,6 +29,8 @@
 
 namespace rz {
 
+class RecordColumns;
+
 class DataStore {
  public:
   // Opens the data file at `path` for variables whose numeric flags are
@@ -58,6 +60,10 @@ class DataStore {
   // True when the date-times never decrease from record to record (then
   // range lookups may search instead of scan).
   virtual bool InTimeOrder() const = 0;
+
+  // The columns themselves, for passes over many records (filtering,
+  // grouping, statistics). Valid until the next Refresh that returns true.
+  virtual const RecordColumns& Columns() const = 0;
 
   // The cell as the application-file component returns it: variable 0 the
   // date-time as a Date; numeric variables a Double or Null; text

@@ -4,6 +4,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -13,6 +15,19 @@
 #include "core/text.h"
 
 namespace rz {
+
+size_t NullMask::NextSet(size_t begin, size_t end) const {
+  size_t index = begin;
+  while (index < end) {
+    const uint64_t bits = words_[index / 64] >> (index % 64);
+    if (bits != 0) {
+      return std::min(end, index + static_cast<size_t>(std::countr_zero(bits)));
+    }
+    index = (index / 64 + 1) * 64;  // the start of the next word
+  }
+  return end;
+}
+
 namespace {
 
 constexpr double kNoDateTime = std::numeric_limits<double>::quiet_NaN();

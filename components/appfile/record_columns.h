@@ -40,6 +40,9 @@ class NullMask {
   bool Get(size_t index) const {
     return (words_[index / 64] >> (index % 64)) & 1;
   }
+  // The first set bit in [begin, end), or `end` when there is none; reads
+  // a word at a time.
+  size_t NextSet(size_t begin, size_t end) const;
   void Reserve(size_t count) { words_.reserve(count / 64 + 1); }
 
  private:
@@ -60,6 +63,13 @@ class RecordColumn {
 
   bool IsNull(size_t index) const { return nulls_.Get(index); }
   double Number(size_t index) const { return numbers_[index]; }
+  // Numeric columns: every record's number in a row (0 for a null cell),
+  // and the first null cell in [begin, end) (`end` when none), for loops
+  // over a run of records.
+  const double* Numbers() const { return numbers_.data(); }
+  size_t NextNull(size_t begin, size_t end) const {
+    return nulls_.NextSet(begin, end);
+  }
   std::string_view Text(size_t index) const {
     const size_t begin = index == 0 ? 0 : ends_[index - 1];
     return std::string_view(arena_).substr(begin, ends_[index] - begin);

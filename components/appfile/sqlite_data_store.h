@@ -60,6 +60,7 @@ class SqliteDataStore : public DataStore {
   std::string_view Text(int32_t record, int variable) const override;
   double DateTime(int32_t record) const override;
   bool InTimeOrder() const override;
+  const RecordColumns& Columns() const override { return *columns_; }
   Variant Value(int32_t record, int variable) const override;
   std::vector<Variant> DistinctValues(int variable) const override;
   double FileDateTime() const override;

@@ -478,7 +478,8 @@ class AppFile : public Dispatch {
   // True when no summary record follows the current one.
   virtual bool EndOfSummary() const = 0;
   // Makes the next summary record current (the first on the first call);
-  // error 5 past the last.
+  // error 5 past the last. Before the first call the statistics cover
+  // every record the pass selected.
   virtual void NextSummary() = 0;
   // The current summary record's position (1-based) and a companion number;
   // both are handed back unchanged to RestrictStatistics.
@@ -486,7 +487,7 @@ class AppFile : public Dispatch {
   virtual int32_t SummaryExtent() const = 0;
   // Recomputes ColumnStatistics() over only those records of the summary
   // record (position, extent) whose `pivot_variable` equals `pivot_value`
-  // ("NULL" = no value); pivot_variable 0 with an empty value restores the
+  // ("" = the records without a value); pivot_variable 0 restores the
   // unrestricted statistics. `text` and `work` are working values the
   // component may write; the engine passes "" and 0 and ignores them.
   virtual void RestrictStatistics(int32_t position, int32_t extent,

@@ -312,7 +312,18 @@ TEST_F(ApplicationFileTest, ScriptsReachEveryPartByName) {
   EXPECT_EQ(ErrorNumber([&] { file->Get("NoSuchMember"); }), 438);
   EXPECT_EQ(ErrorNumber([&] { file->Get("Summarize"); }), 438);  // write-only
   EXPECT_EQ(ErrorNumber([&] { file->Put("Summarize", true); }), 0);
-  EXPECT_EQ(ErrorNumber([&] { file->Call("SortFile"); }), 5);
+  file->Call("SortFile");  // the condition above: Weight > 100
+  EXPECT_EQ(file->Get("SummaryExtent"), Variant(int32_t{1}));
+  DispatchArgs weight = {int16_t{3}};
+  auto& statistics_list = dynamic_cast<Dispatch&>(file->ColumnStatistics());
+  const Variant statistics =
+      statistics_list.Invoke("Item", InvokeKind::kGet, weight);
+  ASSERT_TRUE(statistics.IsObject());
+  EXPECT_EQ(statistics.ToObject()->Get("count"), Variant(int32_t{1}));
+  EXPECT_EQ(statistics.ToObject()->Get("Maximum"), Variant(101.5));
+  EXPECT_EQ(ErrorNumber([&] { statistics.ToObject()->Get("Median"); }), 438);
+  EXPECT_EQ(ErrorNumber([&] { statistics.ToObject()->Put("Sum", 1.0); }), 438);
+  EXPECT_EQ(statistics.ToObject()->MemberNames().size(), 23u);
 
   const std::vector<std::string> names = file->MemberNames();
   for (const char* name : {"OpenMode",

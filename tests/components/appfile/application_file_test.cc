@@ -493,40 +493,5 @@ TEST_F(ApplicationFileTest, SameStructureComparesTypesInOrder) {
   EXPECT_FALSE(a->SameStructure(other));
 }
 
-TEST_F(ApplicationFileTest, TheSummaryPassIsNotAvailableYet) {
-  Export("line4.rzt");
-  auto file = Open("line4.rzt");
-  std::string text;
-  double work = 0;
-  const std::function<void()> actions[] = {
-      [&] { file->SortFile(); },
-      [&] { file->NextSummary(); },
-      [&] { file->EndOfSummary(); },
-      [&] { file->SummaryPosition(); },
-      [&] { file->SummaryExtent(); },
-      [&] { file->RestrictStatistics(1, 1, text, 0, "", work); },
-      [&] { file->ColumnStatistics().Item(3); },
-  };
-  for (const auto& action : actions) {
-    try {
-      action();
-      ADD_FAILURE() << "no error";
-    } catch (const Error& error) {
-      EXPECT_EQ(error.Number(), 5);
-      EXPECT_NE(error.Description().find("not available yet"),
-                std::string::npos);
-    }
-  }
-  EXPECT_EQ(ErrorNumber([&] { file->ColumnStatistics().Item(6); }), 9);
-  EXPECT_EQ(file->ColumnStatistics().Count(), 5);
-  // The lists and settings take their entries.
-  file->SortKeys().Add(3, 3);
-  file->SummaryKeys().Add(-5);
-  EXPECT_EQ(file->SortKeys().Count(), 1);
-  EXPECT_EQ(file->SummaryKeys().Count(), 1);
-  EXPECT_EQ(ErrorNumber([&] { file->SetInterval("01:00"); }), 13);
-  EXPECT_EQ(ErrorNumber([&] { file->SetShiftStart("06:00:00"); }), 0);
-}
-
 }  // namespace
 }  // namespace rz
