@@ -10,17 +10,10 @@
 #include "platform/app_file.h"
 #include "support/error_number.h"
 #include "support/fake_platform.h"
+#include "support/fresh_thread.h"
 
 namespace rz {
 namespace {
-
-// The trace on/off memory is per thread: tests that look at traces run
-// their body in a fresh thread.
-template <typename F>
-void InFreshThread(F body) {
-  std::thread thread(body);
-  thread.join();
-}
 
 class RZselectTest : public ::testing::Test {
  protected:

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/trace_sink.h"
+#include "support/fresh_thread.h"
 
 namespace rz {
 namespace {
@@ -68,12 +69,6 @@ class TraceOnlyPlatform : public Platform {
     return std::logic_error("the trace never asks for this");
   }
 };
-
-// Runs `body` on a new thread, which starts with a fresh trace state.
-void InFreshThread(const std::function<void()>& body) {
-  std::thread thread(body);
-  thread.join();
-}
 
 TEST(TraceTest, NoSinkAtFirstTraceTurnsTracingOffForGood) {
   InFreshThread([] {
