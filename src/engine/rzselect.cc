@@ -10,6 +10,8 @@
 #include "platform/platform.h"
 #include "platform/repository.h"
 #include "platform/trace.h"
+#include "view/view_defaults.h"
+#include "view/view_file.h"
 
 #ifndef RZ_VERSION
 #error "RZ_VERSION must be defined by the build"
@@ -74,21 +76,57 @@ void RZselect::SetResultField(std::shared_ptr<ResultFieldTypes> list) {
 
 void RZselect::Initialize(bool RunFromRZ) {
   TraceMethod("Initialize", kStarted);
-  (void)RunFromRZ;
-  throw Error::NotAvailableYet("Initialize",
-                               "opening applications and loading views");
+  ViewState& state = *state_;
+  state.RunFromRZ = RunFromRZ;
+  if (state.AppFile) {
+    state.AppFile->CloseApplication();
+    state.AppFile.reset();
+  }
+  state.AppFile = state.platform->CreateAppFile();
+  state.AppFile->SetOpenMode(kOpenExisting);
+  state.AppFile->OpenApplication(state.Filename);
+  // The script host (security script, the after-open hook) is prepared
+  // here once scripting is part of the build; until then the trace marks
+  // the step and no hook runs.
+  TraceMethod("Initialize", "SetupForScripting");
+  if (!state.AppFile->ApplicationExists()) throw Error::ApplicationMissing();
+  if (RunFromRZ) TraceMethod("Initialize", "Script: RZ_AfterOpenFile");
+  state.LastRZTdateTime = state.AppFile->TemplateDateTime();
+  state.AppFile->RefreshViews();
+  SetDefaults(state);
+  FillStatisticsCatalogue(state);
+  state.CurrentViewName.clear();
+  ViewCatalogue& views = state.AppFile->Views();
+  const int32_t default_view = views.DefaultView();
+  if (default_view > 0 && default_view <= views.Count()) {
+    const std::string name = views.Item(default_view).name;
+    TraceMethod("Initialize", "LoadFromView=" + name);
+    LoadFromView(state, name, ViewHooks());
+  }
+  TraceMethod("Initialize", kEnded);
 }
 
 void RZselect::LoadView(const std::string& ViewName) {
   TraceMethod("LoadView", "LoadView=" + ViewName);
-  throw Error::NotAvailableYet("LoadView", "the view file reader");
+  RequireApplication("LoadView");
+  SetDefaults(*state_);
+  FillStatisticsCatalogue(*state_);
+  LoadFromView(*state_, ViewName, ViewHooks());
 }
 
 void RZselect::SaveView(const std::string& ViewName,
                         const std::string& Filename) {
   TraceMethod("SaveView", "SaveView=" + ViewName);
-  (void)Filename;
-  throw Error::NotAvailableYet("SaveView", "the view file writer");
+  RequireApplication("SaveView");
+  const std::string base_path =
+      Filename.empty() ? state_->AppFile->BasePath() : Filename;
+  SaveFromView(*state_, ViewName, base_path);
+}
+
+ViewFileHooks RZselect::ViewHooks() {
+  ViewFileHooks hooks;
+  hooks.set_defaults = [](ViewState& state) { SetDefaults(state); };
+  return hooks;
 }
 
 void RZselect::Show(std::shared_ptr<Repository> DataSource,

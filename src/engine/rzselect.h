@@ -9,10 +9,10 @@
 // Create it with RZselect::Create; the host's last reference destroys it
 // (the self reference handed to scripts is weak, and ReleaseObject clears
 // it). Every public method traces "Started" and "Ended" (writer
-// "RZselectClass"). Show, Refresh and SaveRepository raise error 81 until
-// Initialize has opened an application; errors of the components reach
-// the caller unchanged. Methods whose working parts are not built in this
-// version raise error 5 naming what is missing.
+// "RZselectClass"). Show, Refresh, SaveRepository, LoadView and SaveView
+// raise error 81 until Initialize has opened an application; errors of the
+// components reach the caller unchanged. Methods whose working parts are not
+// built in this version raise error 5 naming what is missing.
 //
 // Property setters here take typed values; the Dispatch surface (member
 // names exactly as scripts write them: `RZselect.Where(2).Value`)
@@ -32,6 +32,7 @@
 
 #include "core/dispatch.h"
 #include "engine/rzselect_events.h"
+#include "view/view_file.h"
 #include "view/view_state.h"
 
 namespace rz {
@@ -193,8 +194,11 @@ class RZselect : public Dispatch {
   }
 
   // ---- Methods ----
-  // Opens the application named by Filename and resets to its default
-  // view. Error 53 when it does not exist.
+  // Opens the application named by Filename, resets to the default view
+  // and loads the application's default view when it has one. Error 53
+  // when the application does not exist (the defaults are then not
+  // reset); a missing default view file raises 0x80040001 with the
+  // application open and the defaults in force.
   void Initialize(bool RunFromRZ = false);
   // Resets to defaults and reads the named view; error 0x80040001 when
   // its file is missing (the engine stays usable).
@@ -254,6 +258,8 @@ class RZselect : public Dispatch {
   static int16_t FlagValue(bool value) { return value ? -1 : 0; }
   void TraceMethod(std::string_view procedure, std::string_view message);
   void RequireApplication(std::string_view method) const;
+  // What the view file reader needs from the engine: the defaults reset.
+  static ViewFileHooks ViewHooks();
 
   std::shared_ptr<ViewState> state_;
   std::vector<RZselectEvents*> handlers_;

@@ -204,9 +204,6 @@ TEST_F(RZselectTest, MethodsNotBuiltYetSayWhatIsMissing) {
   engine_->SetRZaccess(OpenApplication(0));
   auto repository = platform_->CreateRepository();
   const std::function<void()> calls[] = {
-      [&] { engine_->Initialize(); },
-      [&] { engine_->LoadView("Daily"); },
-      [&] { engine_->SaveView("Daily"); },
       [&] { engine_->Show(repository); },
       [&] { engine_->Refresh(repository); },
       [&] { engine_->SaveRepository(repository, "/tmp/x.rzt"); },
