@@ -3,6 +3,7 @@
 #include "rzselect/commands.h"
 
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 
 #include "core/error.h"
@@ -11,6 +12,7 @@
 #include "rzselect/csv_import.h"
 #include "rzselect/csv_reader.h"
 #include "rzselect/new_application.h"
+#include "rzselect/sample_views.h"
 
 namespace rz {
 namespace {
@@ -59,7 +61,14 @@ void RunSample(Platform& platform, const SampleOptions& options,
       GenerateSample(options.records, options.seed);
   std::shared_ptr<AppFile> file = platform.CreateAppFile();
   WriteNewApplication(*file, application, template_path, options.force);
+  // The engine holds its platform by shared pointer; this one outlives it.
+  WriteSampleViews(std::shared_ptr<Platform>(&platform, [](Platform*) {}),
+                   template_path);
   Report(out, template_path, application);
+  out << "Wrote " << std::size(kSampleViewNames) << " views ("
+      << WithoutExtension(template_path) << ".V1 .. .V"
+      << std::size(kSampleViewNames) << "); the default is \""
+      << kSampleViewNames[0] << "\"\n";
 }
 
 void RunImport(Platform& platform, const ImportOptions& options,

@@ -13,6 +13,7 @@
 #include "core/error.h"
 #include "engine/rzselect.h"
 #include "rzselect/commands.h"
+#include "rzselect/views_command.h"
 
 namespace {
 
@@ -53,6 +54,19 @@ void AddImport(CLI::App& app, rz::ImportOptions& options) {
                    "Replace an application already at --to");
 }
 
+void AddViews(CLI::App& app, rz::ViewsOptions& options) {
+  CLI::App* views = app.add_subcommand(
+      "views", "List an application's views and the ranges they resolve to");
+  views->add_option("APP.rzt", options.template_path, "The application")
+      ->required();
+  views->add_option("--as-of", options.as_of,
+                    "Resolve the ranges as of \"yyyy-mm-dd hh:mm:ss\" "
+                    "(default: now)");
+  views->add_option("--format", options.format, "table or json")
+      ->default_val("table")
+      ->check(CLI::IsMember({"table", "json"}));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -66,8 +80,10 @@ int main(int argc, char** argv) {
   app.footer("Read docs/cli.md for the user guide.");
   rz::SampleOptions sample_options;
   rz::ImportOptions import_options;
+  rz::ViewsOptions views_options;
   AddSample(app, sample_options);
   AddImport(app, import_options);
+  AddViews(app, views_options);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -81,6 +97,8 @@ int main(int argc, char** argv) {
       rz::RunSample(platform, sample_options, std::cout);
     } else if (app.got_subcommand("import")) {
       rz::RunImport(platform, import_options, std::cout);
+    } else if (app.got_subcommand("views")) {
+      rz::RunViews(platform, views_options, std::cout);
     } else {
       std::cout << app.help();
     }

@@ -1,0 +1,38 @@
+// Copyright 2026 The Veltmark authors.
+//
+// `rzselect views APP.rzt`: the application's view catalogue, one view per
+// line in catalogue order, the default marked, each with its range rule
+// (kind, From and To types, the amount that applies) and the begin and end
+// it resolves to as of now or as of a given moment. Each view is loaded
+// through the engine exactly as a host loads it (Initialize, LoadView), so
+// what is listed is what a run of the view would cover.
+//
+// Errors (rz::Error, the caller prints them and exits with 1): 53 when the
+// application does not exist, 13 naming an --as-of text that is not
+// "yyyy-mm-dd hh:mm:ss" (or "yyyy-mm-dd", "yyyy-mm-dd hh:mm"), 5 naming an
+// unknown format, and the errors of the application file. A view whose file is
+// missing or cannot be read is listed with its error instead of a range; the
+// others are still listed.
+
+#ifndef RZ_APPS_RZSELECT_VIEWS_COMMAND_H_
+#define RZ_APPS_RZSELECT_VIEWS_COMMAND_H_
+
+#include <ostream>
+#include <string>
+
+#include "platform/platform.h"
+
+namespace rz {
+
+struct ViewsOptions {
+  std::string template_path;
+  std::string as_of;             // "yyyy-mm-dd hh:mm:ss"; empty: now
+  std::string format = "table";  // "table" or "json"
+};
+
+void RunViews(Platform& platform, const ViewsOptions& options,
+              std::ostream& out);
+
+}  // namespace rz
+
+#endif  // RZ_APPS_RZSELECT_VIEWS_COMMAND_H_
