@@ -7,6 +7,7 @@
 #include "core/error.h"
 #include "core/text.h"
 #include "platform/app_file.h"
+#include "platform/file_system.h"
 #include "platform/platform.h"
 #include "platform/repository.h"
 #include "platform/trace.h"
@@ -32,7 +33,8 @@ std::shared_ptr<RZselect> RZselect::Create(std::shared_ptr<Platform> platform) {
 }
 
 RZselect::RZselect(std::shared_ptr<Platform> platform)
-    : state_(NewViewState(std::move(platform))) {
+    : state_(NewViewState(std::move(platform))),
+      scripts_(std::make_unique<ScriptHost>(*state_->platform)) {
   TraceMethod("Class_Initialize", "Started  V" + std::string(Version()));
   TraceMethod("Class_Initialize", kEnded);
 }
@@ -54,6 +56,7 @@ RZselect::~RZselect() {
     state_->AppFile.reset();
   }
   state_->DataSource.reset();
+  scripts_.reset();  // the security script's engine
   TraceMethod("Class_Terminate", kEnded);
 }
 
@@ -85,12 +88,14 @@ void RZselect::Initialize(bool RunFromRZ) {
   state.AppFile = state.platform->CreateAppFile();
   state.AppFile->SetOpenMode(kOpenExisting);
   state.AppFile->OpenApplication(state.Filename);
-  // The script host (security script, the after-open hook) is prepared
-  // here once scripting is part of the build; until then the trace marks
-  // the step and no hook runs.
   TraceMethod("Initialize", "SetupForScripting");
+  scripts_->SetupForScripting(SystemFolder());
   if (!state.AppFile->ApplicationExists()) throw Error::ApplicationMissing();
-  if (RunFromRZ) TraceMethod("Initialize", "Script: RZ_AfterOpenFile");
+  if (RunFromRZ) {
+    std::shared_ptr<Repository> repository = state.platform->CreateRepository();
+    TraceMethod("Initialize", "Script: RZ_AfterOpenFile");
+    RunHook("RZ_AfterOpenFile", state.SelfRef.lock(), repository);
+  }
   state.LastRZTdateTime = state.AppFile->TemplateDateTime();
   state.AppFile->RefreshViews();
   SetDefaults(state);
@@ -164,25 +169,58 @@ bool RZselect::CheckSecurity(const std::string& RZFunction) {
   // contains. The empty name is contained in any non-empty list.
   const bool is_secured =
       !secured.empty() && ContainsIgnoreCase(secured, RZFunction);
+  bool allowed = true;
   if (is_secured) {
-    throw Error::NotAvailableYet("CheckSecurity", "the security hook");
+    TraceMethod("CheckSecurity", "Script: RZ_Security");
+    state_->UserIdentification = scripts_->RunSecurityHook(
+        "RZ_Security", RZFunction + "," + state_->AppFile->BasePath());
+    allowed = !Trim(state_->UserIdentification).empty();
   }
   TraceMethod("CheckSecurity", "UserID=" + state_->UserIdentification);
-  return true;
+  return allowed;
 }
 
 Variant RZselect::GetScriptModules() {
   TraceMethod("GetScriptModules", kStarted);
-  throw Error::NotAvailableYet("GetScriptModules", "the script host");
+  std::vector<std::string> names;
+  if (state_->AppFile) names = scripts_->ScriptModules(HookFiles());
+  VariantArray list = {Variant(static_cast<int32_t>(names.size()))};
+  for (std::string& name : names) list.emplace_back(std::move(name));
+  TraceMethod("GetScriptModules", kEnded);
+  return Variant(std::move(list));
 }
 
 void RZselect::ExecuteScriptModule(const std::string& ModuleName,
                                    std::shared_ptr<Dispatch> objSelect,
                                    std::shared_ptr<Dispatch> objRep) {
   TraceMethod("ExecuteScriptModule", "Script: " + ModuleName);
-  (void)objSelect;
-  (void)objRep;
-  throw Error::NotAvailableYet("ExecuteScriptModule", "the script host");
+  RunHook(ModuleName, std::move(objSelect), std::move(objRep));
+}
+
+HookScriptFiles RZselect::HookFiles() const {
+  HookScriptFiles files;
+  files.system_folder = SystemFolder();
+  if (state_->AppFile) files.application_folder = state_->AppFile->AppFolder();
+  files.filename = state_->Filename;
+  return files;
+}
+
+std::string RZselect::RunHook(std::string_view procedure,
+                              std::shared_ptr<Dispatch> engine,
+                              std::shared_ptr<Dispatch> repository) {
+  HookObjects objects;
+  objects.engine = engine;
+  objects.repository = std::move(repository);
+  // "RZfile" is the application of the engine handed over, when it has one.
+  if (engine) {
+    try {
+      const Variant app_file = engine->Get("RZaccess");
+      if (app_file.IsObject()) objects.app_file = app_file.ToObject();
+    } catch (const Error&) {
+      // An object without an application: no "RZfile".
+    }
+  }
+  return scripts_->RunHook(procedure, HookFiles(), objects);
 }
 
 void RZselect::ReleaseObject() {

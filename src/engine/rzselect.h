@@ -32,6 +32,7 @@
 
 #include "core/dispatch.h"
 #include "engine/rzselect_events.h"
+#include "script/script_host.h"
 #include "view/view_file.h"
 #include "view/view_state.h"
 
@@ -217,7 +218,9 @@ class RZselect : public Dispatch {
   void SaveRepository(std::shared_ptr<Repository> DataSource,
                       const std::string& Filename);
   // True when the user may use the function. An unsecured function is
-  // always allowed and leaves UserIdentification empty. Error 91 without
+  // always allowed and leaves UserIdentification empty; a secured one is
+  // allowed when the security script's RZ_Security answers a user id (not
+  // only blanks), which UserIdentification then holds. Error 91 without
   // an application object.
   bool CheckSecurity(const std::string& RZFunction);
   // Element 0 the number n of script procedures, 1..n their names.
@@ -261,8 +264,16 @@ class RZselect : public Dispatch {
   // What the view file reader needs from the engine: the defaults reset.
   static ViewFileHooks ViewHooks();
 
+  // The hook files of the open application.
+  HookScriptFiles HookFiles() const;
+  // Runs a hook with the engine, its application and `repository`.
+  std::string RunHook(std::string_view procedure,
+                      std::shared_ptr<Dispatch> engine,
+                      std::shared_ptr<Dispatch> repository);
+
   std::shared_ptr<ViewState> state_;
   std::vector<RZselectEvents*> handlers_;
+  std::unique_ptr<ScriptHost> scripts_;
 };
 
 }  // namespace rz

@@ -1,0 +1,175 @@
+// Copyright 2026 The Veltmark authors.
+
+#include "script/script_host.h"
+
+#include <utility>
+
+#include "core/error.h"
+#include "core/text.h"
+#include "platform/file_system.h"
+#include "platform/platform.h"
+#include "platform/toolkit.h"
+#include "platform/trace.h"
+
+namespace rz {
+namespace {
+
+constexpr std::string_view kLoading = "Loading Script ...";
+constexpr int32_t kNoTimeLimit = -1;
+
+// An rz::Error met while reading or checking the script text, as the
+// error record a script engine would give.
+ScriptError AsScriptError(const Error& error) {
+  ScriptError record;
+  record.number = error.Number();
+  record.source = error.Source().empty() ? "Script" : error.Source();
+  record.description = error.Description();
+  return record;
+}
+
+std::unique_ptr<ScriptEngine> NewEngine(Platform& platform) {
+  try {
+    return platform.CreateScriptEngine();
+  } catch (const Error&) {
+    return nullptr;
+  }
+}
+
+// The first procedure named `name` without regard to case, if any.
+std::optional<std::string> FindProcedure(const ScriptEngine& engine,
+                                         std::string_view name) {
+  for (const std::string& procedure : engine.Procedures()) {
+    if (EqualsIgnoreCase(procedure, name)) return procedure;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::string ScriptErrorMessage(const ScriptError& error,
+                               std::string_view procedure,
+                               std::string_view script_text) {
+  const std::string line = error.line == 0
+                               ? "No Line"
+                               : "Line " + std::to_string(error.line) + ": " +
+                                     ScriptLine(script_text, error.line);
+  return "Error " + std::to_string(error.number) + ": " + error.description +
+         "\r\n\r\nProcedure: " + std::string(procedure) + "\r\n\r\n" + line;
+}
+
+ScriptHost::~ScriptHost() = default;
+
+void ScriptHost::ShowError(const ScriptError& error, std::string_view procedure,
+                           const std::string& text) {
+  platform_.UserInterface().MessageBox(
+      error.source, ScriptErrorMessage(error, procedure, text),
+      MessageIcon::kNone, MessageButtons::kOk);
+}
+
+bool ScriptHost::LoadCode(ScriptEngine& engine, const std::string& text) {
+  try {
+    engine.SetLanguage(ChooseLanguage(text));
+    engine.SetTimeout(kNoTimeLimit);
+  } catch (const Error& error) {
+    ShowError(AsScriptError(error), kLoading, text);
+    return false;
+  }
+  if (engine.AddCode(text)) return true;
+  ShowError(engine.LastError(), kLoading, text);
+  return false;
+}
+
+std::unique_ptr<ScriptEngine> ScriptHost::LoadHookScript(
+    const HookScriptFiles& files, const HookObjects& objects,
+    std::string& text) {
+  std::unique_ptr<ScriptEngine> engine = NewEngine(platform_);
+  if (!engine) return nullptr;
+  try {
+    text = JoinHookScript(files);
+  } catch (const Error& error) {
+    ShowError(AsScriptError(error), kLoading, "");
+    return nullptr;
+  }
+  engine->SetLanguage(kLanguageVBScript);
+  engine->Reset();
+  if (text.empty()) return nullptr;
+  try {
+    if (objects.app_file) engine->AddObject("RZfile", objects.app_file, false);
+    if (objects.engine) engine->AddObject("RZselect", objects.engine, false);
+    if (objects.repository) {
+      engine->AddObject("RZrep", objects.repository, false);
+    }
+  } catch (const Error& error) {
+    ShowError(AsScriptError(error), kLoading, text);
+    return nullptr;
+  }
+  if (!LoadCode(*engine, text)) return nullptr;
+  return engine;
+}
+
+std::string ScriptHost::RunProcedure(ScriptEngine& engine,
+                                     std::string_view procedure,
+                                     DispatchArgs& args,
+                                     const std::string& text) {
+  const std::optional<std::string> found = FindProcedure(engine, procedure);
+  if (!found) return "";
+  const std::optional<Variant> answer = engine.Run(*found, args);
+  if (!answer) {
+    ShowError(engine.LastError(), *found, text);
+    return "";
+  }
+  try {
+    return answer->IsNull() ? "" : answer->ToString();
+  } catch (const Error&) {
+    return "";  // an answer that is no text (an object, an array)
+  }
+}
+
+std::string ScriptHost::RunHook(std::string_view procedure,
+                                const HookScriptFiles& files,
+                                const HookObjects& objects) {
+  std::string text;
+  std::unique_ptr<ScriptEngine> engine = LoadHookScript(files, objects, text);
+  if (!engine) return "";
+  DispatchArgs no_args;
+  std::string answer = RunProcedure(*engine, procedure, no_args, text);
+  engine->Reset();
+  return answer;
+}
+
+std::vector<std::string> ScriptHost::ScriptModules(
+    const HookScriptFiles& files) {
+  std::string text;
+  std::unique_ptr<ScriptEngine> engine = LoadHookScript(files, {}, text);
+  if (!engine) return {};
+  std::vector<std::string> names = engine->Procedures();
+  engine->Reset();
+  return names;
+}
+
+void ScriptHost::SetupForScripting(const std::string& system_folder) {
+  Trace(platform_, kWriterModule, "SetupForScripting", "");
+  security_engine_.reset();
+  security_text_.clear();
+  security_engine_ = NewEngine(platform_);
+  if (!security_engine_) return;
+  try {
+    security_text_ = LoadScriptText(
+        JoinPath(system_folder, std::string(kSecurityScriptName)));
+  } catch (const Error& error) {
+    ShowError(AsScriptError(error), kLoading, "");
+    security_text_.clear();
+  }
+  security_engine_->SetLanguage(kLanguageVBScript);
+  security_engine_->Reset();
+  if (!security_text_.empty()) LoadCode(*security_engine_, security_text_);
+}
+
+std::string ScriptHost::RunSecurityHook(std::string_view procedure,
+                                        std::string_view argument) {
+  if (!security_engine_) return "";
+  DispatchArgs args = {Variant(std::string(argument))};
+  return RunProcedure(*security_engine_, procedure, args, security_text_);
+}
+
+}  // namespace rz
