@@ -7,18 +7,21 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <memory>
 
 #include "common/console_toolkit.h"
 #include "common/system_platform.h"
 #include "core/error.h"
 #include "engine/rzselect.h"
 #include "rzselect/commands.h"
+#include "rzselect/script_commands.h"
 #include "rzselect/views_command.h"
 
 namespace {
 
 constexpr int kExitEngineError = 1;
 constexpr int kExitUsage = 2;
+constexpr int kExitRefused = 3;  // `check`: the function is not allowed
 
 std::string VersionText() {
   return "rzselect " + std::string(rz::RZselect::Version());
@@ -67,6 +70,25 @@ void AddViews(CLI::App& app, rz::ViewsOptions& options) {
       ->check(CLI::IsMember({"table", "json"}));
 }
 
+void AddScriptCommands(CLI::App& app, rz::ScriptCommandOptions& options) {
+  CLI::App* scripts = app.add_subcommand(
+      "scripts", "List the procedures of an application's hook script");
+  scripts->add_option("APP.rzt", options.template_path, "The application")
+      ->required();
+  CLI::App* script = app.add_subcommand(
+      "script", "Run one script procedure and print its answer");
+  script->add_option("APP.rzt", options.template_path, "The application")
+      ->required();
+  script->add_option("NAME", options.name, "The procedure")->required();
+  CLI::App* check = app.add_subcommand(
+      "check",
+      "Ask the security script whether a function may be used (exit 0 "
+      "allowed, 3 refused); prints the user identification");
+  check->add_option("APP.rzt", options.template_path, "The application")
+      ->required();
+  check->add_option("FUNCTION", options.name, "The function")->required();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -84,6 +106,8 @@ int main(int argc, char** argv) {
   AddSample(app, sample_options);
   AddImport(app, import_options);
   AddViews(app, views_options);
+  rz::ScriptCommandOptions script_options;
+  AddScriptCommands(app, script_options);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -92,13 +116,22 @@ int main(int argc, char** argv) {
   }
   try {
     rz::ConsoleToolkit toolkit;
-    rz::SystemPlatform platform(toolkit);
+    auto shared_platform = std::make_shared<rz::SystemPlatform>(toolkit);
+    rz::SystemPlatform& platform = *shared_platform;
     if (app.got_subcommand("sample")) {
       rz::RunSample(platform, sample_options, std::cout);
     } else if (app.got_subcommand("import")) {
       rz::RunImport(platform, import_options, std::cout);
     } else if (app.got_subcommand("views")) {
       rz::RunViews(platform, views_options, std::cout);
+    } else if (app.got_subcommand("scripts")) {
+      rz::RunScriptList(shared_platform, script_options, std::cout);
+    } else if (app.got_subcommand("script")) {
+      rz::RunScriptProcedure(shared_platform, script_options, std::cout);
+    } else if (app.got_subcommand("check")) {
+      if (!rz::RunSecurityCheck(shared_platform, script_options, std::cout)) {
+        return kExitRefused;
+      }
     } else {
       std::cout << app.help();
     }
