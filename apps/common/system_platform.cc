@@ -8,13 +8,16 @@
 #include "appfile/application_file.h"
 #include "core/date_time.h"
 #include "inputfile/first_line_reader.h"
+#include "jscript/jscript_engine.h"
 #include "platform/app_file.h"
 #include "platform/input_file_reader.h"
 #include "platform/repository.h"
 #include "platform/script_engine.h"
 #include "repository/result_repository.h"
+#include "script/language_switch.h"
 #include "trace/trace_client.h"
 #include "trace/trace_socket_path.h"
+#include "vbscript/vbscript_engine.h"
 
 namespace rz {
 
@@ -31,7 +34,10 @@ std::shared_ptr<InputFileReader> SystemPlatform::CreateInputFileReader() {
 }
 
 std::unique_ptr<ScriptEngine> SystemPlatform::CreateScriptEngine() {
-  return nullptr;
+  Toolkit* toolkit = &toolkit_;
+  return std::make_unique<LanguageSwitch>(
+      [toolkit] { return std::make_unique<VBScriptEngine>(toolkit); },
+      [toolkit] { return std::make_unique<JScriptEngine>(toolkit); });
 }
 
 std::unique_ptr<TraceSink> SystemPlatform::FindTraceSink() noexcept {

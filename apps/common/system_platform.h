@@ -5,8 +5,9 @@
 // (ResultRepository), the input-file reader (FirstLineReader, showing its
 // messages through the toolkit), the trace channel (a running rzdebug
 // found on its socket), the given toolkit and the system clock.
-// CreateScriptEngine answers null (no script engine is built in this
-// version), which the engine treats as "no scripts".
+// CreateScriptEngine answers a LanguageSwitch over the VBScript
+// interpreter and the JScript engine, both showing MsgBox through the
+// toolkit.
 
 #ifndef RZ_APPS_COMMON_SYSTEM_PLATFORM_H_
 #define RZ_APPS_COMMON_SYSTEM_PLATFORM_H_

@@ -16,6 +16,7 @@ LanguageSwitch::LanguageSwitch(Factory vbscript, Factory jscript)
 
 void LanguageSwitch::SetLanguage(std::string_view language) {
   const std::string upper = UpperCase(language);
+  if (current_ && upper == language_) return;  // no change: keep all
   std::unique_ptr<ScriptEngine> engine;
   if (upper == kLanguageVBScript) {
     engine = vbscript_();

@@ -4,9 +4,10 @@
 // that speaks VBScript or JScript. Each language has its own engine
 // (components/vbscript, components/jscript), made by a factory when the
 // language is chosen; everything else is passed to the current one. A new
-// LanguageSwitch speaks VBScript. Choosing a language makes a fresh engine
-// of it (the added code and objects are discarded, as the interface says)
-// and gives it the time limit set before. SetLanguage raises error 5 for a
+// LanguageSwitch speaks VBScript. Choosing another language makes a fresh
+// engine of it (the added code and objects are discarded, as the interface
+// says) and gives it the time limit set before; choosing the current one
+// changes nothing. SetLanguage raises error 5 for a
 // language other than "VBSCRIPT" and "JSCRIPT" (any case) and leaves the
 // current engine in place. Not thread-safe.
 

@@ -66,7 +66,8 @@ void ScriptHost::ShowError(const ScriptError& error, std::string_view procedure,
       MessageIcon::kNone, MessageButtons::kOk);
 }
 
-bool ScriptHost::LoadCode(ScriptEngine& engine, const std::string& text) {
+bool ScriptHost::ChooseLanguageOf(ScriptEngine& engine,
+                                  const std::string& text) {
   try {
     engine.SetLanguage(ChooseLanguage(text));
     engine.SetTimeout(kNoTimeLimit);
@@ -74,6 +75,10 @@ bool ScriptHost::LoadCode(ScriptEngine& engine, const std::string& text) {
     ShowError(AsScriptError(error), kLoading, text);
     return false;
   }
+  return true;
+}
+
+bool ScriptHost::AddCode(ScriptEngine& engine, const std::string& text) {
   if (engine.AddCode(text)) return true;
   ShowError(engine.LastError(), kLoading, text);
   return false;
@@ -93,6 +98,9 @@ std::unique_ptr<ScriptEngine> ScriptHost::LoadHookScript(
   engine->SetLanguage(kLanguageVBScript);
   engine->Reset();
   if (text.empty()) return nullptr;
+  // The language first: choosing it may give a fresh engine, which would
+  // not know objects added before.
+  if (!ChooseLanguageOf(*engine, text)) return nullptr;
   try {
     if (objects.app_file) engine->AddObject("RZfile", objects.app_file, false);
     if (objects.engine) engine->AddObject("RZselect", objects.engine, false);
@@ -103,7 +111,7 @@ std::unique_ptr<ScriptEngine> ScriptHost::LoadHookScript(
     ShowError(AsScriptError(error), kLoading, text);
     return nullptr;
   }
-  if (!LoadCode(*engine, text)) return nullptr;
+  if (!AddCode(*engine, text)) return nullptr;
   return engine;
 }
 
@@ -162,7 +170,10 @@ void ScriptHost::SetupForScripting(const std::string& system_folder) {
   }
   security_engine_->SetLanguage(kLanguageVBScript);
   security_engine_->Reset();
-  if (!security_text_.empty()) LoadCode(*security_engine_, security_text_);
+  if (!security_text_.empty() &&
+      ChooseLanguageOf(*security_engine_, security_text_)) {
+    AddCode(*security_engine_, security_text_);
+  }
 }
 
 std::string ScriptHost::RunSecurityHook(std::string_view procedure,

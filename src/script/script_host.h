@@ -72,9 +72,10 @@ class ScriptHost {
   std::unique_ptr<ScriptEngine> LoadHookScript(const HookScriptFiles& files,
                                                const HookObjects& objects,
                                                std::string& text);
-  // Sets the language from `text`, adds it as code; false after showing a
-  // loading error.
-  bool LoadCode(ScriptEngine& engine, const std::string& text);
+  // Set the language chosen by `text` (with no time limit) and add `text`
+  // as code; false after showing a loading error.
+  bool ChooseLanguageOf(ScriptEngine& engine, const std::string& text);
+  bool AddCode(ScriptEngine& engine, const std::string& text);
   // Runs `procedure` when the engine has it; "" otherwise or after showing
   // a running error.
   std::string RunProcedure(ScriptEngine& engine, std::string_view procedure,

@@ -26,6 +26,10 @@ TEST(LanguageSwitchTest, EachLanguageGetsAFreshEngineOfItsOwn) {
   ASSERT_TRUE(engine.AddCode("Function A = \"a\"\r\n"));
   EXPECT_EQ(engine.Procedures(), (std::vector<std::string>{"A"}));
 
+  engine.SetLanguage("VBScript");  // the same language: nothing changes
+  EXPECT_EQ(vb_log->engines_made, 1);
+  EXPECT_EQ(engine.Procedures(), (std::vector<std::string>{"A"}));
+
   engine.SetLanguage("jscript");
   EXPECT_EQ(engine.Language(), "JSCRIPT");
   EXPECT_EQ(js_log->engines_made, 1);

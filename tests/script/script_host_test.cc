@@ -80,6 +80,11 @@ TEST_F(ScriptHostTest, OnlyTheGivenObjectsAreAdded) {
             "RZfile,RZselect,RZrep");
   EXPECT_EQ(host_.RunHook("Names", files_, {nullptr, object, nullptr}),
             "RZselect");
+  // A JScript script gets them too: the language is chosen before the
+  // objects are added (a change of language discards what was added).
+  Write("app/RZscript.rzx", "// JScript\r\nFunction Names = OBJECTS\r\n");
+  EXPECT_EQ(host_.RunHook("Names", files_, {object, object, object}),
+            "RZfile,RZselect,RZrep");
 }
 
 TEST_F(ScriptHostTest, TheFirstLineDecidesTheLanguage) {
