@@ -44,51 +44,6 @@ void FatalError(void* /*udata*/, const char* message) {
   std::abort();
 }
 
-// MsgBox button numbers: the low three bits choose the buttons, the next
-// three the icon.
-MessageButtons ButtonsOf(int32_t flags) {
-  switch (flags & 7) {
-    case 1:
-    case 2:
-    case 5:
-      return MessageButtons::kOkCancel;
-    case 3:
-    case 4:
-      return MessageButtons::kYesNo;
-    default:
-      return MessageButtons::kOk;
-  }
-}
-
-MessageIcon IconOf(int32_t flags) {
-  switch (flags & 0x70) {
-    case 16:
-      return MessageIcon::kCritical;
-    case 32:
-      return MessageIcon::kQuestion;
-    case 48:
-      return MessageIcon::kExclamation;
-    case 64:
-      return MessageIcon::kInformation;
-    default:
-      return MessageIcon::kNone;
-  }
-}
-
-int32_t AnswerNumber(MessageAnswer answer) {
-  switch (answer) {
-    case MessageAnswer::kOk:
-      return 1;
-    case MessageAnswer::kCancel:
-      return 2;
-    case MessageAnswer::kYes:
-      return 6;
-    case MessageAnswer::kNo:
-      return 7;
-  }
-  return 1;
-}
-
 std::string TextArg(duk_context* ctx, duk_idx_t index) {
   duk_dup(ctx, index);
   std::string text = duk_safe_to_string(ctx, -1);
@@ -110,8 +65,9 @@ duk_ret_t MsgBox(duk_context* ctx) {
         count > 2 && !duk_is_undefined(ctx, 2) ? TextArg(ctx, 2) : "JScript";
     int32_t answer = 1;
     if (toolkit != nullptr) {
-      answer = AnswerNumber(
-          toolkit->MessageBox(title, text, IconOf(flags), ButtonsOf(flags)));
+      answer = MessageAnswerCode(
+          toolkit->MessageBox(title, text, MessageIconOfFlags(flags),
+                              MessageButtonsOfFlags(flags)));
     }
     duk_push_int(ctx, answer);
     return duk_ret_t{1};

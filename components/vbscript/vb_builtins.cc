@@ -83,54 +83,14 @@ Variant VarTypeFn(BuiltinContext&, DispatchArgs& args) {
 
 // ---- MsgBox ----
 
-MessageButtons ButtonsOf(int32_t flags) {
-  switch (flags & 7) {
-    case 0:
-      return MessageButtons::kOk;
-    case 3:
-    case 4:
-      return MessageButtons::kYesNo;
-    default:
-      return MessageButtons::kOkCancel;
-  }
-}
-
-MessageIcon IconOf(int32_t flags) {
-  switch (flags & 0x70) {
-    case 16:
-      return MessageIcon::kCritical;
-    case 32:
-      return MessageIcon::kQuestion;
-    case 48:
-      return MessageIcon::kExclamation;
-    case 64:
-      return MessageIcon::kInformation;
-    default:
-      return MessageIcon::kNone;
-  }
-}
-
-int16_t AnswerCode(MessageAnswer answer) {
-  switch (answer) {
-    case MessageAnswer::kOk:
-      return 1;
-    case MessageAnswer::kCancel:
-      return 2;
-    case MessageAnswer::kYes:
-      return 6;
-    default:
-      return 7;
-  }
-}
-
 Variant MsgBoxFn(BuiltinContext& context, DispatchArgs& args) {
   const std::string prompt = args[0].IsNull() ? "" : args[0].ToString();
   const int32_t flags = ArgOr(args, 1, Variant(int32_t{0})).ToLong();
   const std::string title = ArgOr(args, 2, Variant("VBScript")).ToString();
   if (context.toolkit == nullptr) return Variant(int16_t{1});
   const MessageAnswer answer = context.toolkit->MessageBox(
-      title, prompt, IconOf(flags), ButtonsOf(flags));
-  return Variant(AnswerCode(answer));
+      title, prompt, MessageIconOfFlags(flags), MessageButtonsOfFlags(flags));
+  return Variant(MessageAnswerCode(answer));
 }
 
 std::vector<Builtin> BuildTable() {

@@ -38,6 +38,16 @@ bool IsAnswerOf(MessageAnswer answer, MessageButtons buttons);
 // "OK", "Cancel", "Yes", "No".
 std::string_view AnswerName(MessageAnswer answer);
 
+// The message-box flags scripts pass (MsgBox prompt, flags, title): the
+// buttons in the low three bits (0 OK; 1 OK/Cancel, and 2 and 5, whose
+// buttons a toolkit here does not offer; 3 and 4 Yes/No; 6 and 7 OK), the
+// icon in 0x70 (16 critical, 32 question, 48 exclamation, 64
+// information); and the number a script gets back (1 OK, 2 Cancel, 6 Yes,
+// 7 No).
+MessageButtons MessageButtonsOfFlags(int32_t flags);
+MessageIcon MessageIconOfFlags(int32_t flags);
+int16_t MessageAnswerCode(MessageAnswer answer);
+
 struct TwipSize {
   int32_t width = 0;
   int32_t height = 0;

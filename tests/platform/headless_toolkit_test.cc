@@ -50,6 +50,32 @@ TEST(IsAnswerOfTest, EachAnswerBelongsOnlyToItsButtons) {
   }
 }
 
+TEST(MessageFlagsTest, ScriptFlagsChooseButtonsAndIcon) {
+  const struct {
+    int32_t flags;
+    MessageButtons buttons;
+    MessageIcon icon;
+  } cases[] = {
+      {0, MessageButtons::kOk, MessageIcon::kNone},
+      {1, MessageButtons::kOkCancel, MessageIcon::kNone},
+      {2, MessageButtons::kOkCancel, MessageIcon::kNone},  // abort/retry/ignore
+      {3, MessageButtons::kYesNo, MessageIcon::kNone},     // yes/no/cancel
+      {4 + 32, MessageButtons::kYesNo, MessageIcon::kQuestion},
+      {5 + 16, MessageButtons::kOkCancel, MessageIcon::kCritical},
+      {6 + 48, MessageButtons::kOk, MessageIcon::kExclamation},
+      {7 + 64 + 256, MessageButtons::kOk, MessageIcon::kInformation},
+      {80, MessageButtons::kOk, MessageIcon::kNone},  // 0x50: no icon
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(MessageButtonsOfFlags(c.flags), c.buttons) << c.flags;
+    EXPECT_EQ(MessageIconOfFlags(c.flags), c.icon) << c.flags;
+  }
+  EXPECT_EQ(MessageAnswerCode(MessageAnswer::kOk), 1);
+  EXPECT_EQ(MessageAnswerCode(MessageAnswer::kCancel), 2);
+  EXPECT_EQ(MessageAnswerCode(MessageAnswer::kYes), 6);
+  EXPECT_EQ(MessageAnswerCode(MessageAnswer::kNo), 7);
+}
+
 TEST(HeadlessToolkitTest, EmptyQueueAnswersTheFirstButton) {
   struct Row {
     MessageButtons buttons;
