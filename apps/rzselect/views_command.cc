@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -156,6 +157,15 @@ std::string AmountText(int32_t amount, int32_t units, std::string_view way) {
          " " + std::string(way);
 }
 
+// The engine's own error numbers (0x80040001 ...) in hexadecimal, the
+// others in decimal.
+std::string ErrorNumberText(int32_t number) {
+  if (number >= 0) return std::to_string(number);
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08X", static_cast<uint32_t>(number));
+  return text;
+}
+
 // The table's cells of one view: the kind decides which type and amount
 // apply (backward: the To type and the amount back; forward: the From type
 // and the amount forward; from/to: both types).
@@ -164,7 +174,7 @@ std::vector<std::string> TableCells(const ViewLine& line) {
                                     std::to_string(line.position),
                                     line.entry.name};
   if (line.error) {
-    cells.push_back("error " + std::to_string(line.error->Number()) + ": " +
+    cells.push_back("error " + ErrorNumberText(line.error->Number()) + ": " +
                     line.error->Description());
     return cells;
   }

@@ -143,6 +143,10 @@ TEST_F(ViewsCommandTest, AViewWithoutItsFileIsListedWithItsError) {
             "Error - View 'Previous week by shift' not found!");
   EXPECT_EQ(views[1]["FromType"], kTypeRecordBound);
   EXPECT_FALSE(views[3].contains("Error"));
+  EXPECT_NE(List("2026-01-20 10:00:00", "table")
+                .find("error 0x80040001: Error - View 'Previous week by "
+                      "shift' not found!"),
+            std::string::npos);
 }
 
 TEST_F(ViewsCommandTest, BadOptionsAreRefused) {
