@@ -33,7 +33,15 @@ Error::Error(int32_t number, std::string description, std::string source)
 
 Error Error::WithSource(std::string_view source) const {
   if (!source_.empty()) return *this;
-  return Error(number_, description_, std::string(source));
+  Error copy(number_, description_, std::string(source));
+  copy.file_ = file_;
+  return copy;
+}
+
+Error Error::WithFile(std::string_view path) const {
+  Error copy = *this;
+  copy.file_ = std::string(path);
+  return copy;
 }
 
 Error Error::InvalidArgument(std::string_view detail) {
@@ -117,6 +125,36 @@ Error Error::BadLineValue(std::string_view file, int64_t line,
                           std::string_view problem) {
   return Error(13, std::string(file) + ":" + std::to_string(line) + ": " +
                        std::string(problem));
+}
+
+Error Error::BadRecordValue(std::string_view file, int64_t record,
+                            std::string_view problem) {
+  return Error(13, std::string(file) + ": record " + std::to_string(record) +
+                       ": " + std::string(problem));
+}
+
+Error Error::TooManyColumns(std::string_view path, int64_t columns,
+                            int64_t limit) {
+  return Error(6, "Overflow: " + Quoted(path) + ": " + std::to_string(columns) +
+                      " columns needed (one per variable and the record "
+                      "number), more than the limit of " +
+                      std::to_string(limit) + " columns per table");
+}
+
+Error Error::DuplicateName(std::string_view name, std::string_view first,
+                           std::string_view second) {
+  return Error(457,
+               "This key is already associated with an element of "
+               "this collection: " +
+                   Quoted(name) + " names both " + std::string(first) +
+                   " and " + std::string(second));
+}
+
+Error Error::NotAnApplication(std::string_view path, std::string_view cause) {
+  return Error(53,
+               "not a Veltmark application: " + std::string(path) + ": " +
+                   std::string(cause),
+               "RZSelect.Initialize");
 }
 
 Error Error::ApplicationMissing() {

@@ -11,6 +11,11 @@
 // use of Null, 438 member not supported; plus the system's own numbers 53
 // (application missing), 81 (no open application) and 0x80040001 (view
 // file missing).
+//
+// An error about a file whose description is fixed by the system (a view
+// or an application that does not exist) carries the file apart from its
+// description (File()), so a command line can print the file looked for
+// after the system's own text.
 
 #ifndef RZ_CORE_ERROR_H_
 #define RZ_CORE_ERROR_H_
@@ -33,8 +38,14 @@ class Error : public std::runtime_error {
   const std::string& Description() const { return description_; }
   const std::string& Source() const { return source_; }
 
+  // The file the error is about when the description does not name it;
+  // "" otherwise.
+  const std::string& File() const { return file_; }
+
   // Returns a copy whose source is `source` when this one has none.
   Error WithSource(std::string_view source) const;
+  // Returns a copy that carries `path` as its File().
+  Error WithFile(std::string_view path) const;
 
   // Automation errors.
   static Error InvalidArgument(std::string_view detail);      // 5
@@ -73,9 +84,25 @@ class Error : public std::runtime_error {
                              std::string_view problem);  // 5
   static Error BadLineValue(std::string_view file, int64_t line,
                             std::string_view problem);  // 13
+  // A record of a data file whose value cannot be used: "file: record N:
+  // problem".
+  static Error BadRecordValue(std::string_view file, int64_t record,
+                              std::string_view problem);  // 13
+  // A table that would need more columns than the database allows: names
+  // the file, the columns asked for and the limit.
+  static Error TooManyColumns(std::string_view path, int64_t columns,
+                              int64_t limit);  // 6
+  // Two entries of a list that must have distinct names; `first` and
+  // `second` say which entries they are.
+  static Error DuplicateName(std::string_view name, std::string_view first,
+                             std::string_view second);  // 457
 
   // The engine's own errors.
-  static Error ApplicationMissing();                      // 53
+  static Error ApplicationMissing();  // 53
+  // A file at the application's path that is not an application; `cause`
+  // says why ("no [GENERAL] section").
+  static Error NotAnApplication(std::string_view path,
+                                std::string_view cause);  // 53
   static Error NoApplication(std::string_view method);    // 81
   static Error ViewNotFound(std::string_view view_name);  // 0x80040001
   static Error NotAvailableYet(std::string_view method,
@@ -87,6 +114,7 @@ class Error : public std::runtime_error {
   int32_t number_;
   std::string description_;
   std::string source_;
+  std::string file_;
 };
 
 }  // namespace rz

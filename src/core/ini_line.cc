@@ -20,6 +20,18 @@ IniLine ParseIniLine(std::string_view line) {
           Trim(std::string_view(text).substr(equal + 1))};
 }
 
+std::vector<std::string_view> SplitIniLines(std::string_view text) {
+  std::vector<std::string_view> lines;
+  size_t start = 0;
+  for (size_t end; (end = text.find('\n', start)) != std::string_view::npos;
+       start = end + 1) {
+    std::string_view line = text.substr(start, end - start);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    lines.push_back(line);
+  }
+  return lines;
+}
+
 std::string FormatIniKeyLine(std::string_view key, std::string_view value,
                              int leading_spaces, int equal_pos) {
   std::string line(leading_spaces > 0 ? static_cast<size_t>(leading_spaces) : 0,

@@ -18,12 +18,20 @@
 // when the value is empty. A key too long for the width is not cut: the "="
 // follows it directly. Widths count characters (code points), not bytes, so
 // the layout is the same once the text is written as Windows-1252.
+//
+// Line ends (SplitIniLines): files are written with CR LF, but files edited
+// on systems that end lines with LF alone must read the same, so a line ends
+// at every LF, with or without a CR before it. Text after the last line end
+// is not a line (a last line without its line end is lost, as it always
+// was). A lone CR inside a line stays in it (the line rule reads it as a
+// space).
 
 #ifndef RZ_CORE_INI_LINE_H_
 #define RZ_CORE_INI_LINE_H_
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace rz {
 
@@ -39,6 +47,10 @@ inline bool IsIniHeader(const IniLine& line) {
 }
 
 IniLine ParseIniLine(std::string_view line);
+
+// The lines of `text` without their line ends (see above). The views point
+// into `text`.
+std::vector<std::string_view> SplitIniLines(std::string_view text);
 
 // The key line for `key` and `value`, written as given (no trimming or
 // upper-casing here), without a line end.

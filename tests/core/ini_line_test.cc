@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace rz {
 namespace {
@@ -44,6 +46,29 @@ TEST(ParseIniLineTest, HeaderTestLooksAtTheKey) {
   EXPECT_TRUE(IsIniHeader(ParseIniLine(" [VIEWS]")));
   EXPECT_FALSE(IsIniHeader(ParseIniLine("VIEW = 1,[x]")));
   EXPECT_FALSE(IsIniHeader(ParseIniLine("")));
+}
+
+TEST(SplitIniLinesTest, EveryLfEndsALineWithOrWithoutItsCr) {
+  using Lines = std::vector<std::string_view>;
+  const struct Case {
+    const char* name;
+    std::string_view text;
+    Lines lines;
+  } cases[] = {
+      {"CR LF", "a\r\nb\r\n", {"a", "b"}},
+      {"LF alone", "a\nb\n", {"a", "b"}},
+      {"mixed", "a\r\nb\nc\r\n", {"a", "b", "c"}},
+      {"empty lines", "\n\r\n", {"", ""}},
+      {"lone CR stays in its line", "a\rb\r\n", {"a\rb"}},
+      {"CR CR LF keeps one CR", "a\r\r\n", {"a\r"}},
+      {"unended last line is dropped", "a\nb", {"a"}},
+      {"only an unended line", "a", {}},
+      {"only a CR", "\r", {}},
+      {"empty", "", {}},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(SplitIniLines(c.text), c.lines) << c.name;
+  }
 }
 
 TEST(FormatIniKeyLineTest, PadsToTheEqualColumn) {
