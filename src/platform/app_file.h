@@ -320,6 +320,12 @@ class AppFile : public Dispatch {
   // True while an application is open.
   virtual bool ApplicationExists() const = 0;
 
+  // Why the last OpenApplication in mode 2 left the object closed although
+  // a file is at the path, as a user reads it ("no [GENERAL] section", "the
+  // file is empty"); "" after an open that succeeded, for a path where no
+  // file is, or when the implementation cannot tell.
+  virtual std::string NotApplicationCause() const { return ""; }
+
   // Closes the application. A new application is put in place now (file
   // errors when that fails). Does nothing when none is open.
   virtual void CloseApplication() = 0;
@@ -333,6 +339,9 @@ class AppFile : public Dispatch {
   virtual std::string BasePath() const = 0;
   // The application's folder, ending with "/".
   virtual std::string AppFolder() const = 0;
+  // The path of the data file the records are read from, for messages
+  // about the records; "" when the implementation has no such file.
+  virtual std::string DataFilePath() const { return ""; }
   // The last change of the template and of the data, as day counts. Both
   // stay the same while the files are unchanged.
   virtual double TemplateDateTime() const = 0;

@@ -162,21 +162,6 @@ const DispatchTable<INIfile>& FileTable() {
 
 }  // namespace
 
-std::vector<std::string_view> SplitEndedLines(std::string_view text) {
-  const std::string_view end = text.find("\r\n") == std::string_view::npos &&
-                                       text.find('\n') != std::string_view::npos
-                                   ? std::string_view("\n")
-                                   : std::string_view("\r\n");
-  std::vector<std::string_view> lines;
-  size_t start = 0;
-  for (size_t pos = text.find(end); pos != std::string_view::npos;
-       pos = text.find(end, start)) {
-    lines.push_back(text.substr(start, pos - start));
-    start = pos + end.size();
-  }
-  return lines;
-}
-
 Variant INIline::Invoke(std::string_view name, InvokeKind kind,
                         DispatchArgs& args) {
   return LineTable().Invoke(*this, name, kind, args);
@@ -232,7 +217,7 @@ void INIfile::LoadFile(std::string_view path) {
     throw error.WithSource("INIfile.LoadFile");
   }
   std::string group;
-  for (std::string_view raw : SplitEndedLines(text)) {
+  for (std::string_view raw : SplitIniLines(text)) {
     IniLine parsed = ParseIniLine(raw);
     if (IsIniHeader(parsed)) {
       group = parsed.key;

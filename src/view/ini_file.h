@@ -18,11 +18,12 @@
 // (core/ini_line.h): a header becomes (header, "", ""), and later key lines
 // carry it as their Group; a key line becomes (current group, KEY, value);
 // anything else (blank, comment, text without "=") becomes an all-empty
-// line. A line ends at CR LF; a lone CR or LF inside a line stays in it
-// and the line rule makes it a space. A file without any CR LF but with LF
-// (written where lines end with LF alone) has its lines end at LF. Text
-// after the last line end is not read, as the engine has always done (a
-// file whose last line lacks its line end loses that line). A file that exists
+// line. A line ends at LF, with or without a CR before it (SplitIniLines
+// of core/ini_line.h: files edited where lines end with LF alone read like
+// CR LF ones); a lone CR inside a line stays in it and the line rule makes
+// it a space. Text after the last line end is not read, as the engine has
+// always done (a file whose last line lacks its line end loses that line).
+// A file that exists
 // but cannot be read raises the file error of platform/file_system.h naming the
 // path, with the source "INIfile.LoadFile"; the document is then empty.
 //
@@ -160,12 +161,6 @@ class INIfile : public Dispatch {
   int32_t leading_spaces_ = kDefaultLeadingSpaces;
   int32_t equal_pos_ = kDefaultEqualPos;
 };
-
-// Splits decoded file text into its ended lines: a line ends at CR LF, or
-// at LF in a text without any CR LF; text after the last line end is
-// dropped. The line ends are not
-// part of the returned lines.
-std::vector<std::string_view> SplitEndedLines(std::string_view text);
 
 }  // namespace rz
 

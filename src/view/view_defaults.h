@@ -13,9 +13,15 @@
 // SetDefaults needs state.AppFile open; it moves the application's record
 // position and leaves record DefaultFirstRecord current. Errors of the
 // application file or the repository propagate unchanged; the state then
-// holds what was set before the failing step. An application without
-// records is reset completely: FirstRecordDateTime, LastRecordDateTime,
-// BegDate and EndDate 0, BegText and EndText empty, DefaultFirstRecord 1.
+// holds what was set before the failing step. The first and the last
+// record bound the default range, so their date must be a real
+// "yyyy-mm-dd" and their time "hh:mm:ss" or "hh:mm": a missing or
+// unreadable one is error 13 "<data file>: record <n>: <problem>" (the
+// data file as AppFile::DataFilePath gives it, else the base path), raised
+// by the first step, before the range, options and lists are reset. An
+// application without records is reset completely: FirstRecordDateTime,
+// LastRecordDateTime, BegDate and EndDate 0, BegText and EndText empty,
+// DefaultFirstRecord 1.
 //
 // The lists keep their identity: SetDefaults empties and refills the
 // ResultField, WorkFields, Where and ReportStatistics objects the state

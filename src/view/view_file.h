@@ -1,7 +1,8 @@
 // Copyright 2026 The Veltmark authors.
 //
 // The view file: one saved view of an application, an INI-style text file
-// (Windows-1252, CR LF) named after the application's base path, ".V" and
+// (Windows-1252, written with CR LF; on reading a line ends at LF with or
+// without its CR) named after the application's base path, ".V" and
 // the view's number. LoadFromView reads it into a ViewState and its three
 // lists; SaveFromView writes a ViewState back. They are the only reader and
 // writer of the format and agree with each other.
@@ -19,13 +20,18 @@
 //
 // Errors (rz::Error):
 //   - LoadFromView: 0x80040001 "Error - View '<name>' not found!" (source
-//     "RZSelect") when the file is missing, the state untouched; the file
-//     errors of ReadBinaryFile; and for a line that cannot be applied, the
-//     error's own number (6 overflow, 9 a 27th RULE or a WHERE with too few
-//     fields, 13 a date-time that is not one, 91 a [FIELD] key before any
-//     NAME) with a description starting "<file>:<line>: ". After such an
-//     error the state holds the defaults and the lines read before the bad
-//     one, and CurrentViewName keeps its old value: the view is not loaded.
+//     "RZSelect", File() the path looked for: base path + ".V" + number)
+//     when the file is missing, the state untouched; the file errors of
+//     ReadBinaryFile; 75 naming the file, the state untouched, for a file
+//     that holds no view: empty (blanks and line ends only), binary (a NUL
+//     byte) or without a single header or key line; and for a line that
+//     cannot be applied, the error's own number (6 overflow, 9 a 27th RULE
+//     or a WHERE with too few fields, 13 a date-time that is not one, 91 a
+//     [FIELD] key before any NAME) with a description starting
+//     "<file>:<line>: <KEY>: " (6 "<file>: [FIELD] '<name>': LENGTH ..."
+//     for a column too long for its range defaults). After such an error
+//     the state holds the defaults and the lines read before the bad one,
+//     and CurrentViewName keeps its old value: the view is not loaded.
 //   - SaveFromView never throws for a file problem: it shows the message
 //     "Error - Problem Saving View!" and returns false; the old file, if
 //     any, is left intact (the new text is written to a temporary file and

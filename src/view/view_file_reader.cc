@@ -170,8 +170,9 @@ Limit ReadLimit(std::string_view text) {
 
 class ViewFileReader {
  public:
-  ViewFileReader(ViewState& state, const std::vector<StatisticEntry>& catalogue)
-      : state_(state), catalogue_(catalogue) {}
+  ViewFileReader(ViewState& state, const std::vector<StatisticEntry>& catalogue,
+                 std::string_view file_name)
+      : state_(state), catalogue_(catalogue), file_name_(file_name) {}
 
   void ApplyLine(const IniLine& line) {
     if (IsIniHeader(line)) {
@@ -303,10 +304,24 @@ class ViewFileReader {
           field.Number(FieldAttribute::kMin) != 0) {
         continue;
       }
-      const RangeDefaults range =
-          RangeDefaultsFor(field.Length(), field.Decimals());
+      const RangeDefaults range = RangeDefaultsOf(field);
       field.Set(FieldAttribute::kMax, Variant(range.max));
       field.Set(FieldAttribute::kMin, Variant(range.min));
+    }
+  }
+
+  // The range defaults of a numeric column; a picture too long for a
+  // number (more places than a double holds) is an overflow naming the
+  // file, the column and its LENGTH.
+  RangeDefaults RangeDefaultsOf(const FieldDefinition& field) const {
+    try {
+      return RangeDefaultsFor(field.Length(), field.Decimals());
+    } catch (const Error& error) {
+      throw Error(error.Number(),
+                  file_name_ + ": [FIELD] '" + field.Name() + "': LENGTH " +
+                      std::to_string(field.Length()) +
+                      " is too long for its MAX and MIN range: Overflow",
+                  error.Source());
     }
   }
 
@@ -340,25 +355,51 @@ class ViewFileReader {
 
   ViewState& state_;
   const std::vector<StatisticEntry>& catalogue_;
+  std::string file_name_;
   std::string section_;
   std::vector<std::string> rule_names_;
   std::set<int16_t> listed_;
   std::shared_ptr<ResultFieldType> column_;
 };
 
-// Runs `apply` for one line; an error it raises is raised again with the
-// file and line in front of its description.
-template <typename Apply>
-void WithLinePlace(std::string_view file_name, size_t line_number,
-                   Apply&& apply) {
+// Applies one line; an error it raises is raised again with the file, the
+// line and the key in front of its description ("line4.V1:12: BWDAMOUNT:
+// Overflow: '1e10'").
+void ApplyLineAt(ViewFileReader& reader, const IniLine& line,
+                 std::string_view file_name, size_t line_number) {
   try {
-    apply();
+    reader.ApplyLine(line);
   } catch (const Error& error) {
-    throw Error(error.Number(),
-                std::string(file_name) + ":" + std::to_string(line_number) +
-                    ": " + error.Description(),
-                error.Source());
+    std::string place =
+        std::string(file_name) + ":" + std::to_string(line_number) + ": ";
+    if (!IsIniHeader(line)) place += line.key + ": ";
+    throw Error(error.Number(), place + error.Description(), error.Source());
   }
+}
+
+// A NUL byte: the file holds binary data, not text.
+constexpr char kNul = '\0';
+
+// Refuses a view file that holds no view at all, before anything is reset:
+// an empty file, binary data, or text in which no line is a section header
+// or a key line. Each is error 75 naming the file and the cause.
+void CheckHoldsAView(std::string_view text, std::string_view file_name) {
+  const size_t nul = text.find(kNul);
+  if (nul != std::string_view::npos) {
+    throw Error::BadDataFile(file_name,
+                             "not a view file: binary data (a NUL byte at "
+                             "offset " +
+                                 std::to_string(nul) + ")");
+  }
+  if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
+    throw Error::BadDataFile(file_name, "the view file is empty");
+  }
+  for (std::string_view raw : SplitIniLines(text)) {
+    if (!ParseIniLine(raw).key.empty()) return;
+  }
+  throw Error::BadDataFile(file_name,
+                           "not a view file: no line is a [SECTION] "
+                           "header or a KEY = value line");
 }
 
 std::vector<StatisticEntry> RepositoryCatalogue(ViewState& state) {
@@ -392,14 +433,11 @@ void ApplyViewFileText(ViewState& state, std::string_view text,
                        std::string_view view_name,
                        const std::vector<StatisticEntry>& catalogue,
                        std::string_view file_name) {
-  ViewFileReader reader(state, catalogue);
+  ViewFileReader reader(state, catalogue, file_name);
   size_t line_number = 0;
-  size_t start = 0;
-  // A line ends at CR LF; text after the last CR LF is not read.
-  for (size_t end; (end = text.find("\r\n", start)) != std::string::npos;
-       start = end + 2) {
-    const IniLine line = ParseIniLine(text.substr(start, end - start));
-    WithLinePlace(file_name, ++line_number, [&] { reader.ApplyLine(line); });
+  // A line ends at LF or CR LF; text after the last line end is not read.
+  for (std::string_view raw : SplitIniLines(text)) {
+    ApplyLineAt(reader, ParseIniLine(raw), file_name, ++line_number);
   }
   reader.Finish(view_name);
 }
@@ -413,11 +451,13 @@ void LoadFromView(ViewState& state, std::string_view view_name,
       state.AppFile->BasePath() + ".v" + std::to_string(number);
   const std::optional<std::string> path = FindFileIgnoringExtensionCase(wanted);
   if (!path || !FileExists(*path)) {
-    const Error error = Error::ViewNotFound(view_name);
+    const Error error = Error::ViewNotFound(view_name).WithFile(
+        ViewFilePath(state.AppFile->BasePath(), number));
     TraceLoad(state, error.Description());
     throw error;
   }
   const std::string text = DecodeWindows1252(ReadBinaryFile(*path));
+  CheckHoldsAView(text, *path);
   if (!hooks.set_defaults) throw Error::ObjectNotSet("SetDefaults");
   hooks.set_defaults(state);
   EmptyViewLists(state);

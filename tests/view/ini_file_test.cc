@@ -105,8 +105,9 @@ TEST(INIfileLoadTest, AcceptsEveryLineEndAndDropsAnUnendedLastLine) {
       {"LF alone throughout", "a=1\nb=2\n", {"A", "B"}},
       {"LF alone, unended last line", "a=1\nb=2", {"A"}},
       {"CR alone ends nothing", "a=1\rb=2\r", {}},
-      // In a CR LF file a lone LF or CR is part of the line (a space).
-      {"lone LF inside a CR LF file", "a=1\nb=2\r\nc=3\r\n", {"A", "C"}},
+      // A lone LF ends a line in any file; a lone CR is part of the line.
+      {"lone LF inside a CR LF file", "a=1\nb=2\r\nc=3\r\n", {"A", "B", "C"}},
+      {"CR LF, then LF alone", "[G]\r\na=1\nb=2\n", {"", "A", "B"}},
       {"lone CR inside a CR LF file", "a=1\rb=2\r\n", {"A"}},
       {"no final line end", "a=1\r\nb=2", {"A"}},
       {"only an unended line", "a=1", {}},

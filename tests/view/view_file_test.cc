@@ -9,6 +9,7 @@
 
 #include "core/date_time.h"
 #include "core/error.h"
+#include "core/text.h"
 #include "platform/file_system.h"
 #include "platform/trace.h"
 #include "support/error_number.h"
@@ -442,6 +443,61 @@ TEST_F(ViewFileTest, LastLineWithoutLineEndIsLost) {
   EXPECT_EQ(state_->WeekDays, 0);
 }
 
+TEST_F(ViewFileTest, LfLineEndsReadLikeCrLf) {
+  const std::string crlf = Lines(
+      {"[OPTIONS]", "SUMMARIZEDBY = 3", "[FIELD]", "NAME = W", "TYPE = N"});
+  const struct Case {
+    const char* name;
+    std::string bytes;
+  } cases[] = {
+      {"LF alone", Replace(crlf, "\r\n", "\n")},
+      {"mixed",
+       "[OPTIONS]\r\nSUMMARIZEDBY = 3\n[FIELD]\nNAME = W\r\n"
+       "TYPE = N\n"},
+  };
+  for (const Case& c : cases) {
+    state_->SumBy = 0;
+    LoadText(c.bytes);
+    EXPECT_EQ(state_->SumBy, 3) << c.name;
+    ASSERT_EQ(state_->ResultField->Count(), 1) << c.name;
+    EXPECT_EQ(Column(0).TypeLetter(), "N") << c.name;
+  }
+}
+
+TEST_F(ViewFileTest, AFileThatHoldsNoViewIsRefusedBeforeTheReset) {
+  const struct Case {
+    const char* name;
+    std::string bytes;
+    std::string cause;
+  } cases[] = {
+      {"empty", "", "the view file is empty"},
+      {"spaces and line ends", " \r\n\t\n", "the view file is empty"},
+      {"NUL byte", std::string("[OPTIONS]\r\nA\0B=1\r\n", 17),
+       "not a view file: binary data (a NUL byte at offset 12)"},
+      {"no key or header", "hello\r\nworld\r\n",
+       "not a view file: no line is a [SECTION] header or a KEY = value "
+       "line"},
+  };
+  for (const Case& c : cases) {
+    state_->SumBy = 42;
+    state_->CurrentViewName = "Before";
+    SetViews({{"V", 1}});
+    const std::string path = ViewFilePath(Base(), 1);
+    WriteBinaryFileAtomically(path, c.bytes);
+    try {
+      LoadFromView(*state_, "V", hooks_);
+      ADD_FAILURE() << "no error for " << c.name;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), 75) << c.name;
+      EXPECT_EQ(error.Description(),
+                "Path/File access error: '" + path + "': " + c.cause)
+          << c.name;
+    }
+    EXPECT_EQ(state_->SumBy, 42) << c.name;  // not reset
+    EXPECT_EQ(state_->CurrentViewName, "Before") << c.name;
+  }
+}
+
 TEST_F(ViewFileTest, UnknownViewNameLooksForViewZero) {
   SetViews({{"Other", 5}});
   WriteBinaryFileAtomically(Base() + ".V0",
@@ -483,6 +539,7 @@ TEST_F(ViewFileTest, MissingViewRaisesAndLeavesTheStateAlone) {
     EXPECT_EQ(error.Number(), Error::kViewNotFound);
     EXPECT_EQ(error.Description(), "Error - View 'Gone' not found!");
     EXPECT_EQ(error.Source(), "RZSelect");
+    EXPECT_EQ(error.File(), Base() + ".V8");
   }
   EXPECT_EQ(state_->SumBy, 42);
   EXPECT_EQ(state_->CurrentViewName, "Before");
@@ -631,6 +688,7 @@ TEST_F(ViewFileTest, BadLinesRaiseNumberedErrorsNamingFileAndLine) {
       {{"[FIELD]", "NAME = A", "RAWFIELD = 40000"}, 6, 3},
       {{"[SELECTION]", "FILTERTYPE = 1e999"}, 6, 2},
       {{"[OPTIONS]", "WEEKSTART = 70000"}, 6, 2},
+      {{"[SELECTION]", "BWDAMOUNT = 2147483648"}, 6, 2},
   };
   for (const Row& row : rows) {
     state_->CurrentViewName = "Before";
@@ -642,9 +700,13 @@ TEST_F(ViewFileTest, BadLinesRaiseNumberedErrorsNamingFileAndLine) {
       ADD_FAILURE() << "no error for " << row.lines.back();
     } catch (const Error& error) {
       EXPECT_EQ(error.Number(), row.number) << row.lines.back();
-      EXPECT_EQ(error.Description().rfind(
-                    path + ":" + std::to_string(row.line) + ": ", 0),
-                0u)
+      // The place: file, line and the key of a key line.
+      const std::string key =
+          row.lines.back().substr(0, row.lines.back().find(" = "));
+      EXPECT_EQ(
+          error.Description().rfind(
+              path + ":" + std::to_string(row.line) + ": " + key + ": ", 0),
+          0u)
           << error.Description();
     }
     EXPECT_EQ(state_->CurrentViewName, "Before") << row.lines.back();
