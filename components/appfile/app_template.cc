@@ -29,7 +29,7 @@ class TemplateReader {
  public:
   explicit TemplateReader(std::string_view path) : path_(path) {}
 
-  std::optional<AppTemplate> Read(std::string_view text);
+  std::optional<AppTemplate> Read(std::string_view text, std::string* why_not);
 
  private:
   // Notes the first problem with its line. It is raised at the end, and
@@ -54,6 +54,7 @@ class TemplateReader {
   std::string problem_;  // the first problem found, "" for none
   AppTemplate app_;
   Section section_ = Section::kNone;
+  bool has_general_ = false;
   bool has_version_ = false;
   size_t line_ = 0;
   size_t field_line_ = 0;  // the header line of the open [FIELD] section
@@ -62,7 +63,26 @@ class TemplateReader {
   bool field_has_length_ = false;
 };
 
-std::optional<AppTemplate> TemplateReader::Read(std::string_view text) {
+// Why a template text is not an application, judged before it is parsed:
+// "" when it may be one.
+std::string UnusableTemplateText(std::string_view text) {
+  const size_t nul = text.find('\0');
+  if (nul != std::string_view::npos) {
+    return "binary data (a NUL byte at offset " + std::to_string(nul) + ")";
+  }
+  if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
+    return "the file is empty";
+  }
+  return "";
+}
+
+std::optional<AppTemplate> TemplateReader::Read(std::string_view text,
+                                                std::string* why_not) {
+  std::string unusable = UnusableTemplateText(text);
+  if (!unusable.empty()) {
+    if (why_not != nullptr) *why_not = std::move(unusable);
+    return std::nullopt;
+  }
   size_t start = 0;
   while (start < text.size()) {
     const size_t end = std::min(text.find('\n', start), text.size());
@@ -76,7 +96,13 @@ std::optional<AppTemplate> TemplateReader::Read(std::string_view text) {
     start = end + 1;
   }
   StartSection("");  // closes the last [FIELD] section
-  if (!has_version_) return std::nullopt;
+  if (!has_version_) {
+    if (why_not != nullptr) {
+      *why_not = has_general_ ? "no VERSION key in its [GENERAL] section"
+                              : "no [GENERAL] section";
+    }
+    return std::nullopt;
+  }
   if (!problem_.empty()) throw Error::BadDataFile(path_, problem_);
   if (app_.variables.size() < 2) {
     throw Error::BadDataFile(
@@ -94,6 +120,7 @@ void TemplateReader::StartSection(const std::string& header) {
   if (section_ == Section::kField) FinishField();
   if (header == kGeneral) {
     section_ = Section::kGeneral;
+    has_general_ = true;
   } else if (header == kRules) {
     section_ = Section::kRules;
   } else if (header == kViews) {
@@ -344,14 +371,22 @@ const Variant& HeaderItemSlot(const AppTemplate& app, std::string_view key) {
   return position == 0 ? app.version : app.items[position - 1];
 }
 
-std::optional<AppTemplate> ReadAppTemplate(const std::string& path) {
-  if (!IsRegularFile(path)) return std::nullopt;
-  return ParseAppTemplate(ReadTextFile(path), path);
+std::optional<AppTemplate> ReadAppTemplate(const std::string& path,
+                                           std::string* why_not) {
+  if (!IsRegularFile(path)) {
+    if (why_not != nullptr) {
+      *why_not =
+          FileExists(path) ? "not a regular file" : "the file does not exist";
+    }
+    return std::nullopt;
+  }
+  return ParseAppTemplate(ReadTextFile(path), path, why_not);
 }
 
 std::optional<AppTemplate> ParseAppTemplate(std::string_view text,
-                                            std::string_view path) {
-  return TemplateReader(path).Read(text);
+                                            std::string_view path,
+                                            std::string* why_not) {
+  return TemplateReader(path).Read(text, why_not);
 }
 
 std::string FormatAppTemplate(const AppTemplate& app) {

@@ -89,13 +89,19 @@ const Variant& HeaderItemSlot(const AppTemplate& app, std::string_view key);
 
 // Reads the template at `path`. nullopt when nothing is there, when it is
 // not a regular file, or when it is not an application (no [GENERAL]
-// section with a VERSION). Errors as in the file comment.
-std::optional<AppTemplate> ReadAppTemplate(const std::string& path);
+// section with a VERSION); `why_not`, when given, then receives the cause
+// as a user reads it: "the file does not exist", "not a regular file",
+// "the file is empty", "binary data (a NUL byte at offset N)", "no
+// [GENERAL] section", "no VERSION key in its [GENERAL] section". Errors as
+// in the file comment.
+std::optional<AppTemplate> ReadAppTemplate(const std::string& path,
+                                           std::string* why_not = nullptr);
 
 // The same for template text already decoded to UTF-8; `path` names the
 // file in errors.
 std::optional<AppTemplate> ParseAppTemplate(std::string_view text,
-                                            std::string_view path);
+                                            std::string_view path,
+                                            std::string* why_not = nullptr);
 
 // The template as UTF-8 text with CR LF line ends, ready for
 // WriteTextFileAtomically.

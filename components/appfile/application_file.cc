@@ -15,6 +15,7 @@
 #include "appfile/condition_filter.h"
 #include "appfile/data_store.h"
 #include "appfile/record_columns.h"
+#include "appfile/sqlite_util.h"
 #include "appfile/template_views.h"
 #include "core/date_time.h"
 #include "core/error.h"
@@ -108,8 +109,15 @@ void ApplicationFile::OpenApplication(std::string_view path) {
 void ApplicationFile::OpenExisting(std::string_view path) {
   CloseApplication();
   path_ = NormalizePath(path);
-  std::optional<AppTemplate> app = ReadAppTemplate(path_);
-  if (!app) return;  // not an application: ApplicationExists() stays false
+  not_application_cause_.clear();
+  std::string why_not;
+  std::optional<AppTemplate> app = ReadAppTemplate(path_, &why_not);
+  if (!app) {
+    // Not an application: ApplicationExists() stays false. The cause is
+    // kept for a file that is there; a missing file needs none.
+    if (FileExists(path_)) not_application_cause_ = why_not;
+    return;
+  }
   const std::string data_path = DataPathFor(path_);
   if (!FileExists(data_path)) throw Error::FileNotFound(data_path);
   store_ = DataStore::Open(data_path, NumericFlags(app->variables));
@@ -139,6 +147,7 @@ void ApplicationFile::CreateNew(std::string_view path) {
     throw Error::InvalidArgument("the template " + template_path +
                                  " would be its own data file");
   }
+  CheckRecordsColumnCount(data_path, variables.size());
   writer_ = std::make_unique<ApplicationWriter>(template_path, data_path,
                                                 NumericFlags(variables));
   path_ = template_path;

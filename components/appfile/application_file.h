@@ -84,12 +84,16 @@ class ApplicationFile final : public AppFile {
   void SetOpenMode(int16_t mode) override;
   void OpenApplication(std::string_view path) override;
   bool ApplicationExists() const override { return state_ != State::kClosed; }
+  std::string NotApplicationCause() const override {
+    return not_application_cause_;
+  }
   void CloseApplication() override;
 
   // --- Header ---
   std::string AppTitle() const override { return template_.title; }
   std::string BasePath() const override;
   std::string AppFolder() const override;
+  std::string DataFilePath() const override { return DataPathFor(path_); }
   double TemplateDateTime() const override;
   double DataDateTime() const override;
   int16_t DefaultLookBack() const override { return template_.look_back; }
@@ -216,7 +220,10 @@ class ApplicationFile final : public AppFile {
   ColumnStatistic EmptyIntervalStatistics(int16_t variable) const;
 
   int16_t open_mode_ = 0;
-  std::string path_;      // the template path opened last, "/" separators
+  std::string path_;  // the template path opened last, "/" separators
+  // Why the last open found no application at path_ ("" when it did, or
+  // when no file is there).
+  std::string not_application_cause_;
   AppTemplate template_;  // the open application or the one being set up
   State state_ = State::kClosed;
   std::unique_ptr<DataStore> store_;           // while reading

@@ -35,6 +35,25 @@ Error CantOpenError(std::string_view path, int system_errno,
 
 }  // namespace
 
+int SqliteColumnLimit() {
+  sqlite3* db = nullptr;
+  int limit = 0;
+  if (sqlite3_open_v2(":memory:", &db, SQLITE_OPEN_READWRITE, nullptr) ==
+      SQLITE_OK) {
+    limit = sqlite3_limit(db, SQLITE_LIMIT_COLUMN, -1);
+  }
+  sqlite3_close(db);
+  return limit;
+}
+
+void CheckRecordsColumnCount(std::string_view path, size_t variable_count) {
+  const int64_t columns = static_cast<int64_t>(variable_count) + 1;
+  const int limit = SqliteColumnLimit();
+  if (limit > 0 && columns > limit) {
+    throw Error::TooManyColumns(path, columns, limit);
+  }
+}
+
 Error SqliteError(std::string_view path, int code, std::string_view detail) {
   switch (code & 0xff) {
     case SQLITE_CANTOPEN:

@@ -28,6 +28,15 @@ namespace rz {
 // what was being done.
 Error SqliteError(std::string_view path, int code, std::string_view detail);
 
+// The most columns a table may have in this build of SQLite (2000 unless
+// it was built otherwise).
+int SqliteColumnLimit();
+
+// Raises error 6 (Error::TooManyColumns) naming the data file at `path`
+// when a records table for `variable_count` variables (one column each,
+// plus the record number) exceeds SqliteColumnLimit().
+void CheckRecordsColumnCount(std::string_view path, size_t variable_count);
+
 class SqliteDb {
  public:
   // Opens `path` with the sqlite3_open_v2 `flags`; raises the error above

@@ -156,12 +156,24 @@ bool ApplyLimit(LimitKind kind, const std::string& value,
     try {
       limit.value = LeadingNumber(rest);
     } catch (const Error&) {
-      problem = "limit value '" + rest + "' is out of range";
+      problem = std::string(FieldDefinition::KeyOf(kind)) + " '" + value +
+                "' is out of range";
       return false;
     }
   }
   field.SetLimit(kind, limit);
   return true;
+}
+
+// True for a number too large for a double ("1e999"): its leading number
+// cannot be read.
+bool BeyondDoubleRange(const std::string& value) {
+  try {
+    LeadingNumber(value);
+  } catch (const Error&) {
+    return true;
+  }
+  return false;
 }
 
 bool ApplyAttribute(FieldAttribute attribute, const std::string& value,
@@ -179,6 +191,11 @@ bool ApplyAttribute(FieldAttribute attribute, const std::string& value,
   if (attribute == FieldAttribute::kLength &&
       (!IsNumericText(value) || LeadingNumber(value) <= 0)) {
     problem = "LENGTH '" + value + "' is not a positive number";
+    return false;
+  }
+  if (KindOf(attribute) != ValueKind::kText && BeyondDoubleRange(value)) {
+    problem = std::string(FieldDefinition::KeyOf(attribute)) + " '" + value +
+              "' is out of range";
     return false;
   }
   switch (KindOf(attribute)) {
