@@ -136,7 +136,7 @@ int main(int argc, char** argv) {
       std::cout << app.help();
     }
   } catch (const rz::Error& error) {
-    std::cerr << error.what() << "\n";
+    std::cerr << error.what() << rz::LookedForText(error) << "\n";
     return kExitEngineError;
   }
   return 0;

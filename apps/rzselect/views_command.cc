@@ -19,6 +19,7 @@
 #include "platform/script_engine.h"
 #include "platform/trace_sink.h"
 #include "view/date_range.h"
+#include "view/view_file.h"
 #include "view/view_state.h"
 
 namespace rz {
@@ -104,12 +105,46 @@ void ShowRecordCountRange(AppFile& file, ViewLine& line) {
   line.end = RecordText(file, last);
 }
 
+// The file name of view `number` without its folder ("line4.V2").
+std::string ViewFileName(AppFile& file, int32_t number) {
+  const std::string path = ViewFilePath(file.BasePath(), number);
+  return path.substr(path.find_last_of('/') + 1);
+}
+
+// "entry 2 (line4.V2)".
+std::string EntryText(AppFile& file, int32_t position, const ViewEntry& entry) {
+  return "entry " + std::to_string(position) + " (" +
+         ViewFileName(file, entry.number) + ")";
+}
+
+// A view is loaded by its name, so two entries with the same name (in any
+// case) cannot both be reached: both are marked with error 457 naming the
+// two entries. nullopt when no other entry has the name of `position`.
+std::optional<Error> DuplicateNameError(AppFile& file, int32_t position) {
+  ViewCatalogue& views = file.Views();
+  const ViewEntry entry = views.Item(position);
+  for (int32_t other = 1; other <= views.Count(); ++other) {
+    if (other == position) continue;
+    const ViewEntry twin = views.Item(other);
+    if (!EqualsIgnoreCase(twin.name, entry.name)) continue;
+    const bool first = position < other;
+    return Error::DuplicateName(
+        entry.name,
+        first ? EntryText(file, position, entry) : EntryText(file, other, twin),
+        first ? EntryText(file, other, twin)
+              : EntryText(file, position, entry));
+  }
+  return std::nullopt;
+}
+
 ViewLine LoadLine(RZselect& engine, int32_t position) {
   ViewCatalogue& views = engine.RZaccess()->Views();
   ViewLine line;
   line.position = position;
   line.entry = views.Item(position);
   line.is_default = views.DefaultView() == position;
+  line.error = DuplicateNameError(*engine.RZaccess(), position);
+  if (line.error) return line;
   try {
     engine.LoadView(line.entry.name);
   } catch (const Error& error) {
@@ -157,15 +192,6 @@ std::string AmountText(int32_t amount, int32_t units, std::string_view way) {
          " " + std::string(way);
 }
 
-// The engine's own error numbers (0x80040001 ...) in hexadecimal, the
-// others in decimal.
-std::string ErrorNumberText(int32_t number) {
-  if (number >= 0) return std::to_string(number);
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%08X", static_cast<uint32_t>(number));
-  return text;
-}
-
 // The table's cells of one view: the kind decides which type and amount
 // apply (backward: the To type and the amount back; forward: the From type
 // and the amount forward; from/to: both types).
@@ -175,7 +201,7 @@ std::vector<std::string> TableCells(const ViewLine& line) {
                                     line.entry.name};
   if (line.error) {
     cells.push_back("error " + ErrorNumberText(line.error->Number()) + ": " +
-                    line.error->Description());
+                    line.error->Description() + LookedForText(*line.error));
     return cells;
   }
   const bool backward = line.range_type == kRangeBackward;
@@ -226,6 +252,9 @@ void WriteJson(const std::vector<ViewLine>& lines, std::ostream& out) {
     if (line.error) {
       view["Error"] = {{"Number", line.error->Number()},
                        {"Description", line.error->Description()}};
+      if (!line.error->File().empty()) {
+        view["Error"]["File"] = line.error->File();
+      }
     } else {
       view["FilterRangeType"] = line.range_type;
       view["FromType"] = line.from_type;
@@ -249,7 +278,29 @@ double AsOf(Platform& platform, const std::string& text) {
   return *moment;
 }
 
+bool IsOpen(RZselect& engine) {
+  const std::shared_ptr<AppFile> file = engine.RZaccess();
+  return file && file->ApplicationExists();
+}
+
+bool HasDefaultView(AppFile& file) {
+  ViewCatalogue& views = file.Views();
+  return views.DefaultView() >= 1 && views.DefaultView() <= views.Count();
+}
+
 }  // namespace
+
+std::string ErrorNumberText(int32_t number) {
+  if (number >= 0) return std::to_string(number);
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08X", static_cast<uint32_t>(number));
+  return text;
+}
+
+std::string LookedForText(const Error& error) {
+  if (error.File().empty()) return "";
+  return "; file looked for: " + error.File();
+}
 
 void RunViews(Platform& platform, const ViewsOptions& options,
               std::ostream& out) {
@@ -264,9 +315,12 @@ void RunViews(Platform& platform, const ViewsOptions& options,
   std::vector<ViewLine> lines;
   try {
     engine->Initialize();
-  } catch (const Error& error) {
-    // The default view's file missing: it is listed with its error below.
-    if (error.Number() != Error::kViewNotFound) throw;
+  } catch (const Error&) {
+    // With the application open, the default view's line shows the
+    // failure below (a failed reset to the default view fails every view
+    // the same way); without a default view to show it, it ends the
+    // command.
+    if (!IsOpen(*engine) || !HasDefaultView(*engine->RZaccess())) throw;
   }
   for (int32_t i = 1; i <= engine->RZaccess()->Views().Count(); ++i) {
     lines.push_back(LoadLine(*engine, i));

@@ -8,18 +8,24 @@
 // what is listed is what a run of the view would cover.
 //
 // Errors (rz::Error, the caller prints them and exits with 1): 53 when the
-// application does not exist, 13 naming an --as-of text that is not
-// "yyyy-mm-dd hh:mm:ss" (or "yyyy-mm-dd", "yyyy-mm-dd hh:mm"), 5 naming an
-// unknown format, and the errors of the application file. A view whose file is
-// missing or cannot be read is listed with its error instead of a range; the
-// others are still listed.
+// application does not exist or is not one, 13 naming an --as-of text that
+// is not "yyyy-mm-dd hh:mm:ss" (or "yyyy-mm-dd", "yyyy-mm-dd hh:mm"), 5
+// naming an unknown format, and the errors of the application file while it
+// is opened. Once the application is open nothing ends the listing: a view
+// that cannot be loaded (file missing, empty, binary, a bad line; the
+// default view too) is listed with its error (number, and the file, line
+// and cause the error names) instead of a range, and two catalogue entries
+// with the same name are both listed with error 457 naming the two
+// entries and their files; the others are still listed.
 
 #ifndef RZ_APPS_RZSELECT_VIEWS_COMMAND_H_
 #define RZ_APPS_RZSELECT_VIEWS_COMMAND_H_
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 
+#include "core/error.h"
 #include "platform/platform.h"
 
 namespace rz {
@@ -32,6 +38,15 @@ struct ViewsOptions {
 
 void RunViews(Platform& platform, const ViewsOptions& options,
               std::ostream& out);
+
+// An error number as the listing shows it: the engine's own numbers
+// (0x80040001) in hexadecimal, the others in decimal.
+std::string ErrorNumberText(int32_t number);
+
+// "; file looked for: PATH" for an error that carries the file it is about
+// apart from its description (a missing view or application), else "".
+// Printed after the error's text.
+std::string LookedForText(const Error& error);
 
 }  // namespace rz
 

@@ -90,7 +90,7 @@ void RZselect::Initialize(bool RunFromRZ) {
   state.AppFile->OpenApplication(state.Filename);
   TraceMethod("Initialize", "SetupForScripting");
   scripts_->SetupForScripting(SystemFolder());
-  if (!state.AppFile->ApplicationExists()) throw Error::ApplicationMissing();
+  if (!state.AppFile->ApplicationExists()) throw NotOpenedError();
   if (RunFromRZ) {
     std::shared_ptr<Repository> repository = state.platform->CreateRepository();
     TraceMethod("Initialize", "Script: RZ_AfterOpenFile");
@@ -109,6 +109,13 @@ void RZselect::Initialize(bool RunFromRZ) {
     LoadFromView(state, name, ViewHooks());
   }
   TraceMethod("Initialize", kEnded);
+}
+
+Error RZselect::NotOpenedError() const {
+  const std::string cause = state_->AppFile->NotApplicationCause();
+  if (cause.empty())
+    return Error::ApplicationMissing().WithFile(state_->Filename);
+  return Error::NotAnApplication(state_->Filename, cause);
 }
 
 void RZselect::LoadView(const std::string& ViewName) {

@@ -197,9 +197,12 @@ class RZselect : public Dispatch {
   // ---- Methods ----
   // Opens the application named by Filename, resets to the default view
   // and loads the application's default view when it has one. Error 53
-  // when the application does not exist (the defaults are then not
-  // reset); a missing default view file raises 0x80040001 with the
-  // application open and the defaults in force.
+  // when the application does not exist ("The Veltmark Application
+  // specified does not exist", with Filename as the error's File()) or when
+  // the file there is not one ("not a Veltmark application: FILE: no
+  // [GENERAL] section"); the defaults are then not reset. A missing default
+  // view file raises 0x80040001 with the application open and the defaults in
+  // force.
   void Initialize(bool RunFromRZ = false);
   // Resets to defaults and reads the named view; error 0x80040001 when
   // its file is missing (the engine stays usable).
@@ -261,6 +264,10 @@ class RZselect : public Dispatch {
   static int16_t FlagValue(bool value) { return value ? -1 : 0; }
   void TraceMethod(std::string_view procedure, std::string_view message);
   void RequireApplication(std::string_view method) const;
+  // The error 53 of an Initialize that found no application at Filename:
+  // the system's "does not exist" (carrying Filename as its file) when no
+  // file is there, else "not a Veltmark application: <Filename>: <cause>".
+  Error NotOpenedError() const;
   // What the view file reader needs from the engine: the defaults reset.
   static ViewFileHooks ViewHooks();
 

@@ -13,7 +13,9 @@
 #include <vector>
 
 #include "core/date_time.h"
+#include "core/text.h"
 #include "engine/rzselect.h"
+#include "platform/app_file.h"
 #include "platform/file_system.h"
 #include "rzselect/commands.h"
 #include "rzselect/sample_views.h"
@@ -146,6 +148,96 @@ TEST_F(ViewsCommandTest, AViewWithoutItsFileIsListedWithItsError) {
   EXPECT_NE(List("2026-01-20 10:00:00", "table")
                 .find("error 0x80040001: Error - View 'Previous week by "
                       "shift' not found!"),
+            std::string::npos);
+}
+
+TEST_F(ViewsCommandTest, AMissingViewNamesTheFileLookedFor) {
+  DeleteFileQuietly(folder_.File("line4.V3"));
+  const nlohmann::json views =
+      nlohmann::json::parse(List("2026-01-20 10:00:00", "json"));
+  EXPECT_EQ(views[2]["Error"]["File"], folder_.File("line4.V3"));
+  EXPECT_FALSE(views[1].contains("Error"));
+  EXPECT_NE(
+      List("2026-01-20 10:00:00", "table")
+          .find("not found!; file looked for: " + folder_.File("line4.V3")),
+      std::string::npos);
+}
+
+TEST_F(ViewsCommandTest, ViewFilesWithLfLineEndsListLikeCrLfOnes) {
+  const std::string with_cr_lf = List("2026-01-20 10:00:00", "json");
+  for (const char* name : {"line4.V1", "line4.V2", "line4.V3", "line4.V4"}) {
+    const std::string path = folder_.File(name);
+    WriteBinaryFileAtomically(path,
+                              Replace(ReadBinaryFile(path), "\r\n", "\n"));
+  }
+  EXPECT_EQ(List("2026-01-20 10:00:00", "json"), with_cr_lf);
+}
+
+TEST_F(ViewsCommandTest, FilesThatHoldNoViewAreListedAsErrors) {
+  const struct Case {
+    const char* name;
+    std::string bytes;
+    std::string cause;
+  } cases[] = {
+      {"empty", "", "the view file is empty"},
+      {"blank lines", "\r\n \r\n", "the view file is empty"},
+      {"binary", std::string("[OPTIONS]\r\n\0\x01\r\n", 14),
+       "binary data (a NUL byte at offset 11)"},
+      {"no INI line", "just some words\r\nand more\r\n",
+       "no line is a [SECTION] header or a KEY = value line"},
+      {"no line end", "[OPTIONS]", "no line is a [SECTION] header"},
+  };
+  for (const Case& c : cases) {
+    WriteBinaryFileAtomically(folder_.File("line4.V2"), c.bytes);
+    const nlohmann::json views =
+        nlohmann::json::parse(List("2026-01-20 10:00:00", "json"));
+    ASSERT_EQ(views.size(), 4u) << c.name;
+    EXPECT_EQ(views[1]["Error"]["Number"], 75) << c.name;
+    const std::string description = views[1]["Error"]["Description"];
+    EXPECT_NE(description.find(folder_.File("line4.V2")), std::string::npos)
+        << c.name << ": " << description;
+    EXPECT_NE(description.find(c.cause), std::string::npos)
+        << c.name << ": " << description;
+    EXPECT_FALSE(views[0].contains("Error")) << c.name;
+  }
+}
+
+TEST_F(ViewsCommandTest, ABadDefaultViewIsListedAndTheOthersStill) {
+  WriteBinaryFileAtomically(folder_.File("line4.V1"),
+                            "[SELECTION]\r\nBWDAMOUNT = 99999999999\r\n");
+  const nlohmann::json views =
+      nlohmann::json::parse(List("2026-01-20 10:00:00", "json"));
+  ASSERT_EQ(views.size(), 4u);
+  EXPECT_EQ(views[0]["Default"], true);
+  EXPECT_EQ(views[0]["Error"]["Number"], 6);
+  EXPECT_EQ(
+      views[0]["Error"]["Description"],
+      folder_.File("line4.V1") + ":2: BWDAMOUNT: Overflow: '99999999999'");
+  EXPECT_FALSE(views[1].contains("Error"));
+  EXPECT_FALSE(views[3].contains("Error"));
+}
+
+TEST_F(ViewsCommandTest, TwoEntriesWithOneNameAreBothErrorsNamingBoth) {
+  {
+    auto engine = Engine();
+    engine->Initialize();
+    ViewCatalogue& views = engine->RZaccess()->Views();
+    views.Add("DAILY AVERAGES BY LINE", 7);
+    views.Save();
+  }
+  const nlohmann::json views =
+      nlohmann::json::parse(List("2026-01-20 10:00:00", "json"));
+  ASSERT_EQ(views.size(), 5u);
+  const std::string both =
+      "names both entry 2 (line4.V2) and entry 5 (line4.V7)";
+  for (int i : {1, 4}) {
+    EXPECT_EQ(views[i]["Error"]["Number"], 457) << i;
+    const std::string description = views[i]["Error"]["Description"];
+    EXPECT_NE(description.find(both), std::string::npos) << description;
+  }
+  EXPECT_FALSE(views[0].contains("Error"));
+  EXPECT_FALSE(views[2].contains("Error"));
+  EXPECT_NE(List("2026-01-20 10:00:00", "table").find("error 457: "),
             std::string::npos);
 }
 
