@@ -153,7 +153,8 @@ TEST_F(ViewsCommandTest, AViewWithoutItsFileIsListedWithItsError) {
 
 TEST_F(ViewsCommandTest, AMissingViewNamesTheFileLookedFor) {
   DeleteFileQuietly(folder_.File("line4.V3"));
-  const nlohmann::json views =
+  // Not const: a key that is missing reads as null, not undefined.
+  nlohmann::json views =
       nlohmann::json::parse(List("2026-01-20 10:00:00", "json"));
   EXPECT_EQ(views[2]["Error"]["File"], folder_.File("line4.V3"));
   EXPECT_FALSE(views[1].contains("Error"));
@@ -189,7 +190,8 @@ TEST_F(ViewsCommandTest, FilesThatHoldNoViewAreListedAsErrors) {
   };
   for (const Case& c : cases) {
     WriteBinaryFileAtomically(folder_.File("line4.V2"), c.bytes);
-    const nlohmann::json views =
+    // Not const: a key that is missing reads as null, not undefined.
+    nlohmann::json views =
         nlohmann::json::parse(List("2026-01-20 10:00:00", "json"));
     ASSERT_EQ(views.size(), 4u) << c.name;
     EXPECT_EQ(views[1]["Error"]["Number"], 75) << c.name;
@@ -205,7 +207,8 @@ TEST_F(ViewsCommandTest, FilesThatHoldNoViewAreListedAsErrors) {
 TEST_F(ViewsCommandTest, ABadDefaultViewIsListedAndTheOthersStill) {
   WriteBinaryFileAtomically(folder_.File("line4.V1"),
                             "[SELECTION]\r\nBWDAMOUNT = 99999999999\r\n");
-  const nlohmann::json views =
+  // Not const: a key that is missing reads as null, not undefined.
+  nlohmann::json views =
       nlohmann::json::parse(List("2026-01-20 10:00:00", "json"));
   ASSERT_EQ(views.size(), 4u);
   EXPECT_EQ(views[0]["Default"], true);
@@ -225,7 +228,8 @@ TEST_F(ViewsCommandTest, TwoEntriesWithOneNameAreBothErrorsNamingBoth) {
     views.Add("DAILY AVERAGES BY LINE", 7);
     views.Save();
   }
-  const nlohmann::json views =
+  // Not const: a key that is missing reads as null, not undefined.
+  nlohmann::json views =
       nlohmann::json::parse(List("2026-01-20 10:00:00", "json"));
   ASSERT_EQ(views.size(), 5u);
   const std::string both =
