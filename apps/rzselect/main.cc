@@ -6,8 +6,12 @@
 // usage.
 
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <cstdint>
 #include <iostream>
+#include <limits>
 #include <memory>
+#include <string>
 
 #include "common/console_toolkit.h"
 #include "common/system_platform.h"
@@ -27,6 +31,24 @@ std::string VersionText() {
   return "rzselect " + std::string(rz::RZselect::Version());
 }
 
+// A seed is a whole number from 0 to 2^64 - 1 in decimal digits; anything
+// else (a sign, hexadecimal, an exponent, a larger number) is bad usage
+// rather than a seed wrapped or cut to fit.
+CLI::Validator SeedText() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        uint64_t seed = 0;
+        const char* end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, seed);
+        if (text.empty() || error != std::errc() || stop != end) {
+          return "'" + text + "' is not a whole number from 0 to " +
+                 std::to_string(std::numeric_limits<uint64_t>::max());
+        }
+        return "";
+      },
+      "UINT64");
+}
+
 void AddSample(CLI::App& app, rz::SampleOptions& options) {
   CLI::App* sample = app.add_subcommand(
       "sample", "Write the example application line4 (line4.rzt, line4.rzd)");
@@ -37,7 +59,7 @@ void AddSample(CLI::App& app, rz::SampleOptions& options) {
       ->check(CLI::Range(1, 1000000));
   sample->add_option("--seed", options.seed, "Seed of the random data")
       ->default_val(rz::kDefaultSampleSeed)
-      ->check(CLI::NonNegativeNumber);
+      ->check(SeedText());
   sample->add_flag("--force", options.force,
                    "Replace an application already in DIR");
 }

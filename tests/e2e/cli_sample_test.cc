@@ -131,6 +131,11 @@ TEST_F(CliSampleTest, BadUsageExitsWithTwo) {
       {"sample", folder_.File("demo"), "--records", "0"},
       {"sample", folder_.File("demo"), "--records", "many"},
       {"sample", folder_.File("demo"), "--seed", "-1"},
+      // One past the largest 64-bit seed, and forms that are not decimal.
+      {"sample", folder_.File("demo"), "--seed", "18446744073709551616"},
+      {"sample", folder_.File("demo"), "--seed", "0x10"},
+      {"sample", folder_.File("demo"), "--seed", "1e3"},
+      {"sample", folder_.File("demo"), "--records", "2147483648"},
       {"sample", folder_.File("demo"), "--colour"},
       {"nonsense"},
   };
@@ -139,6 +144,12 @@ TEST_F(CliSampleTest, BadUsageExitsWithTwo) {
     EXPECT_EQ(run.status, 2) << testing::PrintToString(args) << run.err;
   }
   EXPECT_FALSE(std::filesystem::exists(folder_.File("demo")));
+  const CliResult seed = RunRzselect(
+      {"sample", folder_.File("demo"), "--seed", "18446744073709551616"});
+  EXPECT_NE(seed.err.find("--seed: '18446744073709551616' is not a whole "
+                          "number from 0 to 18446744073709551615"),
+            std::string::npos)
+      << seed.err;
 }
 
 }  // namespace
