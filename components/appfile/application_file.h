@@ -61,6 +61,7 @@
 #include "appfile/application_lists.h"
 #include "appfile/summary_pass.h"
 #include "platform/app_file.h"
+#include "platform/script_reachable.h"
 
 namespace rz {
 
@@ -68,7 +69,7 @@ class ApplicationWriter;
 class ConditionFilter;
 class DataStore;
 
-class ApplicationFile final : public AppFile {
+class ApplicationFile final : public AppFile, public ScriptReachable {
  public:
   ApplicationFile();
   ~ApplicationFile() override;
@@ -78,6 +79,11 @@ class ApplicationFile final : public AppFile {
   // The data file of the application whose template is `template_path`:
   // its path without extension, "/" separators, and ".rzd".
   static std::string DataPathFor(std::string_view template_path);
+
+  // Error 70 when a script holds this object and OpenApplication(`path`)
+  // would open anything but the application open when the script started,
+  // or create a new one. Used by the Dispatch surface.
+  void RefuseOtherApplicationToScripts(std::string_view path) const;
 
   // --- Opening and closing ---
   int16_t OpenMode() const override { return open_mode_; }
@@ -98,6 +104,7 @@ class ApplicationFile final : public AppFile {
   std::string SecuredFunctions() const override {
     return template_.secured_functions;
   }
+  std::string HookTimeout() const override;
   bool TemplateWritable() const override;
   std::array<std::string, 2> TemplateQueries() const override {
     return template_.queries;
@@ -196,6 +203,7 @@ class ApplicationFile final : public AppFile {
  private:
   enum class State { kClosed, kReading, kWriting };
 
+  void OnScriptEntered() override;
   void OpenExisting(std::string_view path);
   void CreateNew(std::string_view path);
   void ResetToClosed();
@@ -216,8 +224,9 @@ class ApplicationFile final : public AppFile {
   ColumnStatistic EmptyIntervalStatistics(int16_t variable) const;
 
   int16_t open_mode_ = 0;
-  std::string path_;      // the template path opened last, "/" separators
-  AppTemplate template_;  // the open application or the one being set up
+  std::string path_;         // the template path opened last, "/" separators
+  std::string script_home_;  // the application open when a script started
+  AppTemplate template_;     // the open application or the one being set up
   State state_ = State::kClosed;
   std::unique_ptr<DataStore> store_;           // while reading
   std::unique_ptr<ApplicationWriter> writer_;  // while writing
