@@ -20,6 +20,7 @@
 #include "rzselect/commands.h"
 #include "rzselect/script_commands.h"
 #include "rzselect/views_command.h"
+#include "script/hook_timeout.h"
 
 namespace {
 
@@ -79,6 +80,28 @@ void AddImport(CLI::App& app, rz::ImportOptions& options) {
                    "Replace an application already at --to");
 }
 
+// --hook-timeout SECONDS on a command that loads scripts.
+void AddHookTimeout(CLI::App& command, std::string& seconds) {
+  command
+      .add_option(std::string(rz::kHookTimeoutOption), seconds,
+                  "Time limit of hooks and the security script in seconds "
+                  "(0: none; default: the template's HOOKTIMEOUT, else none)")
+      ->check(
+          [](const std::string& value) -> std::string {
+            if (value.empty()) {
+              return std::string(rz::kHookTimeoutOption) +
+                     " needs a number of seconds";
+            }
+            try {
+              rz::HookTimeoutMilliseconds(value, "", rz::kHookTimeoutOption);
+            } catch (const rz::Error& error) {
+              return error.Description();
+            }
+            return "";
+          },
+          "SECONDS");
+}
+
 void AddViews(CLI::App& app, rz::ViewsOptions& options) {
   CLI::App* views = app.add_subcommand(
       "views", "List an application's views and the ranges they resolve to");
@@ -90,6 +113,7 @@ void AddViews(CLI::App& app, rz::ViewsOptions& options) {
   views->add_option("--format", options.format, "table or json")
       ->default_val("table")
       ->check(CLI::IsMember({"table", "json"}));
+  AddHookTimeout(*views, options.hook_timeout);
 }
 
 void AddScriptCommands(CLI::App& app, rz::ScriptCommandOptions& options) {
@@ -109,6 +133,9 @@ void AddScriptCommands(CLI::App& app, rz::ScriptCommandOptions& options) {
   check->add_option("APP.rzt", options.template_path, "The application")
       ->required();
   check->add_option("FUNCTION", options.name, "The function")->required();
+  for (CLI::App* command : {scripts, script, check}) {
+    AddHookTimeout(*command, options.hook_timeout);
+  }
 }
 
 }  // namespace
@@ -151,7 +178,8 @@ int main(int argc, char** argv) {
     } else if (app.got_subcommand("script")) {
       rz::RunScriptProcedure(shared_platform, script_options, std::cout);
     } else if (app.got_subcommand("check")) {
-      if (!rz::RunSecurityCheck(shared_platform, script_options, std::cout)) {
+      if (!rz::RunSecurityCheck(shared_platform, script_options, std::cout,
+                                std::cerr)) {
         return kExitRefused;
       }
     } else {

@@ -18,6 +18,8 @@
 #include "platform/app_file.h"
 #include "platform/script_engine.h"
 #include "platform/trace_sink.h"
+#include "rzselect/script_commands.h"
+#include "script/hook_timeout.h"
 #include "view/date_range.h"
 #include "view/view_file.h"
 #include "view/view_state.h"
@@ -311,6 +313,10 @@ void RunViews(Platform& platform, const ViewsOptions& options,
   auto clock = std::make_shared<StoppedClockPlatform>(
       platform, AsOf(platform, options.as_of));
   std::shared_ptr<RZselect> engine = RZselect::Create(clock);
+  if (!options.hook_timeout.empty()) {
+    engine->SetHookTimeout(
+        HookTimeoutMilliseconds(options.hook_timeout, "", kHookTimeoutOption));
+  }
   engine->SetFilename(options.template_path);
   std::vector<ViewLine> lines;
   try {

@@ -10,7 +10,9 @@
 // Errors (rz::Error, the caller prints them and exits with 1): 53 when the
 // application does not exist or is not one, 13 naming an --as-of text that
 // is not "yyyy-mm-dd hh:mm:ss" (or "yyyy-mm-dd", "yyyy-mm-dd hh:mm"), 5
-// naming an unknown format, and the errors of the application file while it
+// naming an unknown format or a hook time limit that is not a number of
+// seconds (Initialize loads the security script, under that limit), and the
+// errors of the application file while it
 // is opened. Once the application is open nothing ends the listing: a view
 // that cannot be loaded (file missing, empty, binary, a bad line; the
 // default view too) is listed with its error (number, and the file, line
@@ -34,6 +36,7 @@ struct ViewsOptions {
   std::string template_path;
   std::string as_of;             // "yyyy-mm-dd hh:mm:ss"; empty: now
   std::string format = "table";  // "table" or "json"
+  std::string hook_timeout;      // seconds; "" = the template's HOOKTIMEOUT
 };
 
 void RunViews(Platform& platform, const ViewsOptions& options,

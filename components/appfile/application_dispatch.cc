@@ -6,7 +6,8 @@
 // sets, are write-only); the lists are objects with Count and a 1-based
 // Item as their default member, so RZfile.Variables(3).NAME and
 // RZfile.Views.Count work. FindDateRange and RestrictStatistics write their
-// by-reference arguments back.
+// by-reference arguments back. A script may reopen only its own
+// application (RefuseOtherApplicationToScripts).
 
 #include "appfile/application_file.h"
 #include "core/error.h"
@@ -44,7 +45,9 @@ void AddOpening(Table& t) {
       .Method(
           "OpenApplication",
           [](ApplicationFile& f, DispatchArgs& a) {
-            f.OpenApplication(a[0].ToString());
+            const std::string path = a[0].ToString();
+            f.RefuseOtherApplicationToScripts(path);
+            f.OpenApplication(path);
             return Done();
           },
           1, 1)

@@ -130,6 +130,19 @@ void ApplicationFile::OpenExisting(std::string_view path) {
   filter_.reset();
 }
 
+void ApplicationFile::OnScriptEntered() {
+  script_home_ = state_ == State::kClosed ? "" : ComparablePath(path_);
+}
+
+void ApplicationFile::RefuseOtherApplicationToScripts(
+    std::string_view path) const {
+  if (!HeldByScript()) return;
+  if (open_mode_ != kOpenExisting || script_home_.empty() ||
+      ComparablePath(path) != script_home_) {
+    throw Error::RefusedToScripts("OpenApplication", path);
+  }
+}
+
 void ApplicationFile::CreateNew(std::string_view path) {
   RequireClosed("OpenApplication");
   const std::vector<std::shared_ptr<FieldDefinition>>& variables =
@@ -267,6 +280,15 @@ void ApplicationFile::SetHeaderItem(std::string_view key,
                                     const Variant& value) {
   RequireClosed("SetHeaderItem");
   HeaderItemSlot(template_, key) = value;
+}
+
+std::string ApplicationFile::HookTimeout() const {
+  // The key is the engine's, not the component's: it is kept with the
+  // [GENERAL] keys the template reader does not know.
+  for (const IniLine& line : template_.general_extra) {
+    if (line.key == "HOOKTIMEOUT") return line.value;
+  }
+  return "";
 }
 
 void ApplicationFile::SetSecuredFunctions(std::string_view value) {

@@ -61,6 +61,7 @@
 #include "appfile/application_lists.h"
 #include "appfile/summary_pass.h"
 #include "platform/app_file.h"
+#include "platform/script_reachable.h"
 
 namespace rz {
 
@@ -68,7 +69,7 @@ class ApplicationWriter;
 class ConditionFilter;
 class DataStore;
 
-class ApplicationFile final : public AppFile {
+class ApplicationFile final : public AppFile, public ScriptReachable {
  public:
   ApplicationFile();
   ~ApplicationFile() override;
@@ -78,6 +79,11 @@ class ApplicationFile final : public AppFile {
   // The data file of the application whose template is `template_path`:
   // its path without extension, "/" separators, and ".rzd".
   static std::string DataPathFor(std::string_view template_path);
+
+  // Error 70 when a script holds this object and OpenApplication(`path`)
+  // would open anything but the application open when the script started,
+  // or create a new one. Used by the Dispatch surface.
+  void RefuseOtherApplicationToScripts(std::string_view path) const;
 
   // --- Opening and closing ---
   int16_t OpenMode() const override { return open_mode_; }
@@ -102,6 +108,7 @@ class ApplicationFile final : public AppFile {
   std::string SecuredFunctions() const override {
     return template_.secured_functions;
   }
+  std::string HookTimeout() const override;
   bool TemplateWritable() const override;
   std::array<std::string, 2> TemplateQueries() const override {
     return template_.queries;
@@ -200,6 +207,7 @@ class ApplicationFile final : public AppFile {
  private:
   enum class State { kClosed, kReading, kWriting };
 
+  void OnScriptEntered() override;
   void OpenExisting(std::string_view path);
   void CreateNew(std::string_view path);
   void ResetToClosed();
@@ -224,7 +232,8 @@ class ApplicationFile final : public AppFile {
   // Why the last open found no application at path_ ("" when it did, or
   // when no file is there).
   std::string not_application_cause_;
-  AppTemplate template_;  // the open application or the one being set up
+  std::string script_home_;  // the application open when a script started
+  AppTemplate template_;     // the open application or the one being set up
   State state_ = State::kClosed;
   std::unique_ptr<DataStore> store_;           // while reading
   std::unique_ptr<ApplicationWriter> writer_;  // while writing

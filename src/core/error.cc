@@ -184,4 +184,22 @@ Error Error::FilterBracketsUnbalanced() {
   return Error(5, "Filter brackets do not balance");
 }
 
+Error Error::ScriptFileRefused(std::string_view what, std::string_view reason) {
+  return Error(70, "Permission denied: " + std::string(what) + ": " +
+                       std::string(reason));
+}
+
+Error Error::RefusedToScripts(std::string_view member, std::string_view path) {
+  return Error(70, "Permission denied: " + Quoted(path) +
+                       " is not the script's own application (" +
+                       std::string(member) + " from a script)");
+}
+
+Error Error::BadSetting(std::string_view file, std::string_view key,
+                        std::string_view value, std::string_view expected) {
+  std::string text = file.empty() ? "" : std::string(file) + ": ";
+  return Error(5, text + std::string(key) + " " + Quoted(value) + " is not " +
+                      std::string(expected));
+}
+
 }  // namespace rz

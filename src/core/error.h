@@ -110,6 +110,19 @@ class Error : public std::runtime_error {
   // A filter condition list whose brackets do not pair up.
   static Error FilterBracketsUnbalanced();  // 5
 
+  // Scripting. A script file or include a script may not read: `what`
+  // names the file or the directive and where it stands, `reason` why.
+  static Error ScriptFileRefused(std::string_view what,
+                                 std::string_view reason);  // 70
+  // A script calling a member with a path outside its application.
+  static Error RefusedToScripts(std::string_view member,
+                                std::string_view path);  // 70
+  // A setting of `file` (or an option, when `file` is "") that is not what
+  // it must be: "FILE: KEY 'value' is not EXPECTED".
+  static Error BadSetting(std::string_view file, std::string_view key,
+                          std::string_view value,
+                          std::string_view expected);  // 5
+
  private:
   int32_t number_;
   std::string description_;

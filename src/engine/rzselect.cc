@@ -11,6 +11,7 @@
 #include "platform/platform.h"
 #include "platform/repository.h"
 #include "platform/trace.h"
+#include "script/hook_timeout.h"
 #include "view/view_defaults.h"
 #include "view/view_file.h"
 
@@ -89,6 +90,10 @@ void RZselect::Initialize(bool RunFromRZ) {
   state.AppFile->SetOpenMode(kOpenExisting);
   state.AppFile->OpenApplication(state.Filename);
   TraceMethod("Initialize", "SetupForScripting");
+  // No security script stays in force while the time limit is read: a
+  // template with a bad HOOKTIMEOUT fails closed.
+  scripts_->DiscardSecurityScript();
+  scripts_->SetTimeout(HookTimeout());
   scripts_->SetupForScripting(SystemFolder());
   if (!state.AppFile->ApplicationExists()) throw NotOpenedError();
   if (RunFromRZ) {
@@ -200,8 +205,44 @@ Variant RZselect::GetScriptModules() {
 void RZselect::ExecuteScriptModule(const std::string& ModuleName,
                                    std::shared_ptr<Dispatch> objSelect,
                                    std::shared_ptr<Dispatch> objRep) {
+  RunScriptModule(ModuleName, std::move(objSelect), std::move(objRep));
+}
+
+std::string RZselect::RunScriptModule(const std::string& ModuleName,
+                                      std::shared_ptr<Dispatch> objSelect,
+                                      std::shared_ptr<Dispatch> objRep) {
   TraceMethod("ExecuteScriptModule", "Script: " + ModuleName);
-  RunHook(ModuleName, std::move(objSelect), std::move(objRep));
+  return RunHook(ModuleName, std::move(objSelect), std::move(objRep));
+}
+
+void RZselect::SetHookTimeout(std::optional<int32_t> milliseconds) {
+  host_hook_timeout_ = milliseconds;
+  if (milliseconds) scripts_->SetTimeout(*milliseconds);
+}
+
+int32_t RZselect::HookTimeout() const {
+  if (host_hook_timeout_) return *host_hook_timeout_;
+  if (!state_->AppFile || !state_->AppFile->ApplicationExists()) {
+    return kNoHookTimeout;
+  }
+  return HookTimeoutMilliseconds(state_->AppFile->HookTimeout(),
+                                 state_->Filename, kHookTimeoutKey);
+}
+
+void RZselect::OnScriptEntered() {
+  script_home_ = state_->AppFile ? ComparablePath(state_->AppFile->BasePath())
+                                 : std::string();
+}
+
+void RZselect::RefuseOtherApplicationToScripts(
+    std::string_view member, const std::string& base_path) const {
+  if (!HeldByScript() || !state_->AppFile) return;
+  const std::string path =
+      base_path.empty() ? state_->AppFile->BasePath() : base_path;
+  if (script_home_.empty() || ComparablePath(path) != script_home_) {
+    throw Error::RefusedToScripts(member, path)
+        .WithSource("RZSelect." + std::string(member));
+  }
 }
 
 HookScriptFiles RZselect::HookFiles() const {

@@ -14,6 +14,13 @@
 // components reach the caller unchanged. Methods whose working parts are not
 // built in this version raise error 5 naming what is missing.
 //
+// Scripts: hooks and the security script run without a time limit unless
+// the host sets one (SetHookTimeout) or the template has a HOOKTIMEOUT key
+// (hook_timeout.h); the host's setting wins. While a script holds the
+// object (as "RZselect"), its LoadView and SaveView refuse, with error 70
+// naming the path, any application other than the one open when the script
+// started; C++ calls are never refused.
+//
 // Property setters here take typed values; the Dispatch surface (member
 // names exactly as scripts write them: `RZselect.Where(2).Value`)
 // converts Variants with the automation rules and raises error 13 naming a
@@ -26,12 +33,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/dispatch.h"
 #include "engine/rzselect_events.h"
+#include "platform/script_reachable.h"
 #include "script/script_host.h"
 #include "view/view_file.h"
 #include "view/view_state.h"
@@ -42,7 +51,7 @@ class AppFile;
 class Platform;
 class Repository;
 
-class RZselect : public Dispatch {
+class RZselect : public Dispatch, public ScriptReachable {
  public:
   // A new engine object: empty lists, RunCaption "Run", RunTooltip
   // "Execute the current View", DisplayPacifier true. Traces
@@ -233,6 +242,22 @@ class RZselect : public Dispatch {
   void ExecuteScriptModule(const std::string& ModuleName,
                            std::shared_ptr<Dispatch> objSelect,
                            std::shared_ptr<Dispatch> objRep);
+  // ExecuteScriptModule answering the procedure's text (for host programs
+  // that show it; not on the Dispatch surface).
+  std::string RunScriptModule(const std::string& ModuleName,
+                              std::shared_ptr<Dispatch> objSelect,
+                              std::shared_ptr<Dispatch> objRep);
+  // The time limit of hooks and the security script in milliseconds (-1
+  // none), winning over the template's HOOKTIMEOUT; nullopt lets the
+  // template decide at the next Initialize. Not on the Dispatch surface:
+  // a script cannot lift its own limit.
+  void SetHookTimeout(std::optional<int32_t> milliseconds);
+  // Error 70 when a script holds this object and `base_path` (the view
+  // files' base path a view method would use; "" for the application's)
+  // is not the application open when the script started. Used by the
+  // Dispatch surface.
+  void RefuseOtherApplicationToScripts(std::string_view member,
+                                       const std::string& base_path) const;
   // Clears the self reference handed to scripts.
   void ReleaseObject();
 
@@ -271,6 +296,12 @@ class RZselect : public Dispatch {
   // What the view file reader needs from the engine: the defaults reset.
   static ViewFileHooks ViewHooks();
 
+  void OnScriptEntered() override;
+  // The hook and security time limit the next Initialize uses: the host's,
+  // else the open template's HOOKTIMEOUT (error 5 naming the template when
+  // it is not a number of seconds), else none.
+  int32_t HookTimeout() const;
+
   // The hook files of the open application.
   HookScriptFiles HookFiles() const;
   // Runs a hook with the engine, its application and `repository`.
@@ -281,6 +312,8 @@ class RZselect : public Dispatch {
   std::shared_ptr<ViewState> state_;
   std::vector<RZselectEvents*> handlers_;
   std::unique_ptr<ScriptHost> scripts_;
+  std::optional<int32_t> host_hook_timeout_;
+  std::string script_home_;  // the application open when a script started
 };
 
 }  // namespace rz

@@ -3,7 +3,8 @@
 // The late-bound surface of RZselect: the members in their interface order
 // (each property's read and write, then the methods), with the automation
 // conversion of each property's row. A value that does not convert raises
-// its error before anything is stored.
+// its error before anything is stored. LoadView and SaveView called by a
+// script that holds the engine reach only the script's own application.
 
 #include "core/error.h"
 #include "engine/rzselect.h"
@@ -228,6 +229,7 @@ void AddMethods(Table& t) {
       .Method(
           "LoadView",
           [](RZselect& e, DispatchArgs& a) {
+            e.RefuseOtherApplicationToScripts("LoadView", "");
             e.LoadView(a[0].ToString());
             return Variant();
           },
@@ -235,7 +237,9 @@ void AddMethods(Table& t) {
       .Method(
           "SaveView",
           [](RZselect& e, DispatchArgs& a) {
-            e.SaveView(a[0].ToString(), TextArgument(a, 1));
+            const std::string base_path = TextArgument(a, 1);
+            e.RefuseOtherApplicationToScripts("SaveView", base_path);
+            e.SaveView(a[0].ToString(), base_path);
             return Variant();
           },
           1, 2)

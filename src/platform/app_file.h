@@ -353,6 +353,10 @@ class AppFile : public Dispatch {
   virtual std::string ShiftStartText() const = 0;
   // The names of the secured functions as one text.
   virtual std::string SecuredFunctions() const = 0;
+  // The text of the template's HOOKTIMEOUT key in [GENERAL] (the time limit
+  // of hooks and the security script in seconds, checked by the engine);
+  // "" when the key is absent.
+  virtual std::string HookTimeout() const = 0;
   // False when the template may not be written (read-only file or folder).
   virtual bool TemplateWritable() const = 0;
   // The template's two query texts (empty when none).

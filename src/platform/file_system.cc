@@ -10,7 +10,9 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "core/codec.h"
@@ -237,6 +239,13 @@ std::string SystemFolder() {
                            : std::string(kDefaultSystemFolder);
   if (folder.size() > 1 && folder.back() == '/') folder.pop_back();
   return folder;
+}
+
+std::string ComparablePath(std::string_view path) {
+  std::error_code ignored;
+  const std::filesystem::path absolute =
+      std::filesystem::absolute(NormalizePath(path), ignored);
+  return absolute.lexically_normal().string();
 }
 
 std::string ParentFolder(std::string_view path) {

@@ -82,6 +82,11 @@ void CopyFileAtomically(std::string_view from, std::string_view to);
 // ("/" alone stays "/").
 std::string SystemFolder();
 
+// `path` made absolute (against the working folder) with "/" separators and
+// without "." and ".." parts, for telling whether two paths name the same
+// place; links are not followed. Never throws.
+std::string ComparablePath(std::string_view path);
+
 // The path up to and including its last separator; "" when it has none.
 // "a\b\c.v3" -> "a/b/".
 std::string ParentFolder(std::string_view path);

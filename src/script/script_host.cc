@@ -15,7 +15,6 @@ namespace rz {
 namespace {
 
 constexpr std::string_view kLoading = "Loading Script ...";
-constexpr int32_t kNoTimeLimit = -1;
 
 // An rz::Error met while reading or checking the script text, as the
 // error record a script engine would give.
@@ -70,7 +69,7 @@ bool ScriptHost::ChooseLanguageOf(ScriptEngine& engine,
                                   const std::string& text) {
   try {
     engine.SetLanguage(ChooseLanguage(text));
-    engine.SetTimeout(kNoTimeLimit);
+    engine.SetTimeout(timeout_ms_);
   } catch (const Error& error) {
     ShowError(AsScriptError(error), kLoading, text);
     return false;
@@ -84,35 +83,46 @@ bool ScriptHost::AddCode(ScriptEngine& engine, const std::string& text) {
   return false;
 }
 
-std::unique_ptr<ScriptEngine> ScriptHost::LoadHookScript(
-    const HookScriptFiles& files, const HookObjects& objects,
-    std::string& text) {
+ScriptHost::LoadedScript ScriptHost::LoadHookScript(
+    const HookScriptFiles& files, const HookObjects& objects) {
+  LoadedScript script;
   std::unique_ptr<ScriptEngine> engine = NewEngine(platform_);
-  if (!engine) return nullptr;
+  if (!engine) return script;
   try {
-    text = JoinHookScript(files);
+    script.text = JoinHookScript(files);
   } catch (const Error& error) {
     ShowError(AsScriptError(error), kLoading, "");
-    return nullptr;
+    return script;
   }
   engine->SetLanguage(kLanguageVBScript);
   engine->Reset();
-  if (text.empty()) return nullptr;
+  if (script.text.empty()) return script;
   // The language first: choosing it may give a fresh engine, which would
   // not know objects added before.
-  if (!ChooseLanguageOf(*engine, text)) return nullptr;
+  if (!ChooseLanguageOf(*engine, script.text)) return script;
+  script.engine = std::move(engine);
+  if (!AddObjects(script, objects) || !AddCode(*script.engine, script.text)) {
+    script.engine.reset();  // never run half a script
+  }
+  return script;
+}
+
+bool ScriptHost::AddObjects(LoadedScript& script, const HookObjects& objects) {
+  const std::pair<std::string_view, const std::shared_ptr<Dispatch>*> named[] =
+      {{"RZfile", &objects.app_file},
+       {"RZselect", &objects.engine},
+       {"RZrep", &objects.repository}};
   try {
-    if (objects.app_file) engine->AddObject("RZfile", objects.app_file, false);
-    if (objects.engine) engine->AddObject("RZselect", objects.engine, false);
-    if (objects.repository) {
-      engine->AddObject("RZrep", objects.repository, false);
+    for (const auto& [name, object] : named) {
+      if (!*object) continue;
+      script.holds.emplace_back(*object);
+      script.engine->AddObject(name, *object, false);
     }
   } catch (const Error& error) {
-    ShowError(AsScriptError(error), kLoading, text);
-    return nullptr;
+    ShowError(AsScriptError(error), kLoading, script.text);
+    return false;
   }
-  if (!AddCode(*engine, text)) return nullptr;
-  return engine;
+  return true;
 }
 
 std::string ScriptHost::RunProcedure(ScriptEngine& engine,
@@ -136,44 +146,57 @@ std::string ScriptHost::RunProcedure(ScriptEngine& engine,
 std::string ScriptHost::RunHook(std::string_view procedure,
                                 const HookScriptFiles& files,
                                 const HookObjects& objects) {
-  std::string text;
-  std::unique_ptr<ScriptEngine> engine = LoadHookScript(files, objects, text);
-  if (!engine) return "";
+  LoadedScript script = LoadHookScript(files, objects);
+  if (!script.engine) return "";
   DispatchArgs no_args;
-  std::string answer = RunProcedure(*engine, procedure, no_args, text);
-  engine->Reset();
+  std::string answer =
+      RunProcedure(*script.engine, procedure, no_args, script.text);
+  script.engine->Reset();
   return answer;
 }
 
 std::vector<std::string> ScriptHost::ScriptModules(
     const HookScriptFiles& files) {
-  std::string text;
-  std::unique_ptr<ScriptEngine> engine = LoadHookScript(files, {}, text);
-  if (!engine) return {};
-  std::vector<std::string> names = engine->Procedures();
-  engine->Reset();
+  LoadedScript script = LoadHookScript(files, {});
+  if (!script.engine) return {};
+  std::vector<std::string> names = script.engine->Procedures();
+  script.engine->Reset();
   return names;
+}
+
+bool ScriptHost::LoadSecurityText(const std::string& system_folder) {
+  try {
+    security_text_ = LoadScriptText(
+        JoinPath(system_folder, std::string(kSecurityScriptName)),
+        {system_folder});
+  } catch (const Error& error) {
+    ShowError(AsScriptError(error), kLoading, "");
+    security_text_.clear();
+    return false;
+  }
+  return true;
+}
+
+void ScriptHost::DiscardSecurityScript() {
+  security_engine_.reset();
+  security_text_.clear();
 }
 
 void ScriptHost::SetupForScripting(const std::string& system_folder) {
   Trace(platform_, kWriterModule, "SetupForScripting", "");
-  security_engine_.reset();
-  security_text_.clear();
-  security_engine_ = NewEngine(platform_);
-  if (!security_engine_) return;
-  try {
-    security_text_ = LoadScriptText(
-        JoinPath(system_folder, std::string(kSecurityScriptName)));
-  } catch (const Error& error) {
-    ShowError(AsScriptError(error), kLoading, "");
-    security_text_.clear();
+  DiscardSecurityScript();
+  std::unique_ptr<ScriptEngine> engine = NewEngine(platform_);
+  if (!engine) return;
+  // A security script that fails to load leaves no engine: every secured
+  // function is then refused, as without a script.
+  if (!LoadSecurityText(system_folder)) return;
+  engine->SetLanguage(kLanguageVBScript);
+  engine->Reset();
+  if (!security_text_.empty() && (!ChooseLanguageOf(*engine, security_text_) ||
+                                  !AddCode(*engine, security_text_))) {
+    return;
   }
-  security_engine_->SetLanguage(kLanguageVBScript);
-  security_engine_->Reset();
-  if (!security_text_.empty() &&
-      ChooseLanguageOf(*security_engine_, security_text_)) {
-    AddCode(*security_engine_, security_text_);
-  }
+  security_engine_ = std::move(engine);
 }
 
 std::string ScriptHost::RunSecurityHook(std::string_view procedure,

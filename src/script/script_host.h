@@ -12,6 +12,21 @@
 //     RunSecurityHook runs a procedure of it with one text argument, and
 //     keeps the engine (and so the script's globals) afterwards.
 //
+// Scripts fail closed: a script that fails while loading (its files or
+// includes cannot be read or are refused, it does not compile, its
+// top-level code fails or runs out of time) is never run in part. A hook
+// script that fails to load defines no hook; a security script that fails
+// to load leaves no security engine, so every security call answers ""
+// (and CheckSecurity refuses every secured function). Hook files may come
+// from the application folder and the system folder, the security script
+// and its includes from the system folder only (script_text.h).
+//
+// Every engine gets the host's time limit (SetTimeout; none by default)
+// before code is added; a script that runs past it fails with the
+// engine's interrupt error, reported like any other script error. Named
+// objects that are ScriptReachable are held (script_reachable.h) while the
+// hook's engine lives, so they can refuse members to scripts.
+//
 // No script failure leaves the host: a loading or running error (and an
 // rz::Error while reading the files) is shown in a message box titled with
 // the error's source,
@@ -34,6 +49,7 @@
 
 #include "core/dispatch.h"
 #include "platform/script_engine.h"
+#include "platform/script_reachable.h"
 #include "script/script_text.h"
 
 namespace rz {
@@ -54,6 +70,11 @@ class ScriptHost {
   ScriptHost(const ScriptHost&) = delete;
   ScriptHost& operator=(const ScriptHost&) = delete;
 
+  // The time limit of every script engine made from now on (and of the
+  // security engine at the next setup), in milliseconds; -1 = none.
+  void SetTimeout(int32_t milliseconds) { timeout_ms_ = milliseconds; }
+  int32_t Timeout() const { return timeout_ms_; }
+
   std::string RunHook(std::string_view procedure, const HookScriptFiles& files,
                       const HookObjects& objects);
 
@@ -61,19 +82,34 @@ class ScriptHost {
   // there is none (or no engine, or it failed to load: a message shown).
   std::vector<std::string> ScriptModules(const HookScriptFiles& files);
 
-  // (Re)loads the security script from `system_folder`.
+  // (Re)loads the security script from `system_folder`; after a loading
+  // error (shown) no security engine is left.
   void SetupForScripting(const std::string& system_folder);
+  // Forgets the security script: every security call answers "" until
+  // the next setup.
+  void DiscardSecurityScript();
+  // True while a security script is loaded.
+  bool HasSecurityScript() const { return security_engine_ != nullptr; }
   std::string RunSecurityHook(std::string_view procedure,
                               std::string_view argument);
 
  private:
-  // An engine with the hook script loaded, or null (nothing to run, or a
-  // loading error already shown). `text` receives the joined script.
-  std::unique_ptr<ScriptEngine> LoadHookScript(const HookScriptFiles& files,
-                                               const HookObjects& objects,
-                                               std::string& text);
-  // Set the language chosen by `text` (with no time limit) and add `text`
-  // as code; false after showing a loading error.
+  // A hook script loaded into its engine, with the holds on its objects
+  // (released after the engine: members go in reverse order).
+  struct LoadedScript {
+    std::vector<ScriptHold> holds;
+    std::unique_ptr<ScriptEngine> engine;  // null: nothing to run
+    std::string text;                      // the joined script
+  };
+  // The hook script loaded; no engine when there is nothing to run or a
+  // loading error was shown.
+  LoadedScript LoadHookScript(const HookScriptFiles& files,
+                              const HookObjects& objects);
+  bool AddObjects(LoadedScript& script, const HookObjects& objects);
+  // The security script's text; false after showing a loading error.
+  bool LoadSecurityText(const std::string& system_folder);
+  // Set the language chosen by `text` (with the host's time limit) and add
+  // `text` as code; false after showing a loading error.
   bool ChooseLanguageOf(ScriptEngine& engine, const std::string& text);
   bool AddCode(ScriptEngine& engine, const std::string& text);
   // Runs `procedure` when the engine has it; "" otherwise or after showing
@@ -84,6 +120,7 @@ class ScriptHost {
                  const std::string& text);
 
   Platform& platform_;
+  int32_t timeout_ms_ = -1;
   std::unique_ptr<ScriptEngine> security_engine_;
   std::string security_text_;
 };

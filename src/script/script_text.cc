@@ -2,7 +2,12 @@
 
 #include "script/script_text.h"
 
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 
 #include "core/error.h"
 #include "core/text.h"
@@ -12,44 +17,152 @@ namespace rz {
 namespace {
 
 constexpr std::string_view kInclude = "$INCLUDE ";
-constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kOptionExplicit = "OPTION EXPLICIT";
 constexpr char kEndOfFile = 26;
 
-bool HasFolder(std::string_view name) {
-  return name.find('/') != std::string_view::npos ||
-         name.find('\\') != std::string_view::npos;
+bool IsAbsolute(std::string_view name) {
+  return name.front() == '/' || name.front() == '\\';
 }
 
-std::string ReadScriptFile(std::string_view path) {
+// The line from `text` without a CR before its LF.
+std::string_view WithoutCarriageReturn(std::string_view line) {
+  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  return line;
+}
+
+// The real path (links followed, no "." or ".."), or "" when it cannot be
+// resolved.
+std::string RealPath(const std::string& path) {
+  if (path.empty()) return "";
+  char* resolved = ::realpath(path.c_str(), nullptr);
+  if (resolved == nullptr) return "";
+  std::string real(resolved);
+  std::free(resolved);
+  return real;
+}
+
+bool IsBelow(const std::string& real, const std::string& root) {
+  if (root == "/") return real.size() > 1;
+  return real.size() > root.size() && real.compare(0, root.size(), root) == 0 &&
+         real[root.size()] == '/';
+}
+
+std::string Quoted(std::string_view text) {
+  return "'" + std::string(text) + "'";
+}
+
+// Reads script files and their includes from the allowed folders only.
+class ScriptReader {
+ public:
+  explicit ScriptReader(const std::vector<std::string>& allowed_roots) {
+    for (const std::string& root : allowed_roots) {
+      std::string real = RealPath(NormalizePath(root));
+      if (!real.empty()) roots_.push_back(std::move(real));
+    }
+  }
+
+  // The text of `path` with its includes; `what` names it in refusals.
+  std::string Load(const std::string& path, const std::string& what,
+                   int depth) const;
+
+ private:
+  // Raises error 70 unless `path` is a regular file below a root and
+  // within the size limit; answers its real path.
+  std::string CheckAllowed(const std::string& path,
+                           const std::string& what) const;
+  std::string RootsText() const;
+  std::string ResolveIncludes(std::string text, const std::string& path,
+                              int depth) const;
+
+  std::vector<std::string> roots_;
+};
+
+std::string ScriptReader::RootsText() const {
+  if (roots_.empty()) return "no folder";
+  std::string text;
+  for (const std::string& root : roots_) {
+    text += (text.empty() ? "" : " or ") + root;
+  }
+  return text;
+}
+
+std::string ScriptReader::CheckAllowed(const std::string& path,
+                                       const std::string& what) const {
+  const std::string real = RealPath(path);
+  if (real.empty()) {
+    throw Error::ScriptFileRefused(what, "its path cannot be resolved");
+  }
+  const bool inside =
+      std::any_of(roots_.begin(), roots_.end(),
+                  [&](const std::string& root) { return IsBelow(real, root); });
+  if (!inside) {
+    throw Error::ScriptFileRefused(
+        what, "scripts may only be read from below " + RootsText());
+  }
+  struct stat info;
+  if (::stat(real.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+    throw Error::ScriptFileRefused(what, "not a regular file");
+  }
+  if (info.st_size > kMaxScriptFileSize) {
+    throw Error::ScriptFileRefused(
+        what, "larger than the script size limit of " +
+                  std::to_string(kMaxScriptFileSize) + " bytes");
+  }
+  return real;
+}
+
+std::string ReadScriptFile(const std::string& path) {
   std::string text = ReadTextFile(path);
   if (text.size() <= 1) return "";
   if (text.back() == kEndOfFile) text.pop_back();
   return text;
 }
 
-std::string LoadAtDepth(std::string_view path, int depth) {
+std::string ScriptReader::Load(const std::string& path, const std::string& what,
+                               int depth) const {
   if (!FileExists(path)) return "";
   if (depth > kMaxIncludeDepth) {
     throw Error::InvalidArgument("includes nested more than " +
                                  std::to_string(kMaxIncludeDepth) +
-                                 " deep at " + std::string(path));
+                                 " deep at " + path);
   }
+  const std::string real = CheckAllowed(path, what);
+  std::string text = ReadScriptFile(real);
+  // The file may have grown since it was looked at.
+  if (text.size() > static_cast<size_t>(kMaxScriptFileSize)) {
+    throw Error::ScriptFileRefused(what, "larger than the script size limit");
+  }
+  return ResolveIncludes(std::move(text), path, depth);
+}
+
+std::string ScriptReader::ResolveIncludes(std::string text,
+                                          const std::string& path,
+                                          int depth) const {
   const std::string folder = ParentFolder(path);
-  std::string text = ReadScriptFile(path);
   for (size_t at; (at = text.find(kInclude)) != std::string::npos;) {
-    const size_t end = text.find(kLineEnd, at);
+    const size_t end = text.find('\n', at);
     if (end == std::string::npos) {
-      throw Error::InvalidArgument("the include in " + std::string(path) +
+      throw Error::InvalidArgument("the include in " + path +
                                    " has no line end after it");
     }
-    const std::string name = Trim(std::string_view(text).substr(
-        at + kInclude.size(), end - at - kInclude.size()));
-    const std::string included =
-        name.empty()
-            ? ""
-            : LoadAtDepth(HasFolder(name) ? name : folder + name, depth + 1);
-    text.replace(at, end + kLineEnd.size() - at, included);
+    const std::string name = Trim(WithoutCarriageReturn(
+        std::string_view(text).substr(at, end - at).substr(kInclude.size())));
+    std::string included;
+    if (!name.empty()) {
+      const std::string target =
+          IsAbsolute(name) ? NormalizePath(name) : folder + NormalizePath(name);
+      included = Load(
+          target, Quoted(std::string(kInclude) + name) + " in " + Quoted(path),
+          depth + 1);
+    }
+    text.replace(at, end + 1 - at, included);
+    if (text.size() > static_cast<size_t>(kMaxScriptFileSize)) {
+      throw Error::ScriptFileRefused(
+          Quoted(path),
+          "with its includes larger than the script size "
+          "limit of " +
+              std::to_string(kMaxScriptFileSize) + " bytes");
+    }
   }
   return text;
 }
@@ -62,17 +175,25 @@ void DisableOptionExplicit(std::string& text) {
 
 }  // namespace
 
-std::string LoadScriptText(std::string_view path) {
-  return LoadAtDepth(NormalizePath(path), 0);
+std::string LoadScriptText(std::string_view path,
+                           const std::vector<std::string>& allowed_roots) {
+  const std::string normalized = NormalizePath(path);
+  return ScriptReader(allowed_roots)
+      .Load(normalized, "script file " + Quoted(normalized), 0);
+}
+
+std::vector<std::string> HookScriptRoots(const HookScriptFiles& files) {
+  return {files.application_folder, files.system_folder};
 }
 
 std::string JoinHookScript(const HookScriptFiles& files) {
+  const std::vector<std::string> roots = HookScriptRoots(files);
   std::string joined = LoadScriptText(
-      JoinPath(files.system_folder, std::string(kHookScriptName)));
+      JoinPath(files.system_folder, std::string(kHookScriptName)), roots);
   for (const std::string& path :
        {files.application_folder + std::string(kHookScriptName),
         files.filename + std::string(kScriptExtension)}) {
-    std::string text = LoadScriptText(path);
+    std::string text = LoadScriptText(path, roots);
     if (text.empty()) continue;
     DisableOptionExplicit(text);
     joined += text;
@@ -81,12 +202,13 @@ std::string JoinHookScript(const HookScriptFiles& files) {
 }
 
 std::string ChooseLanguage(std::string_view text) {
-  const size_t end = text.find(kLineEnd);
+  const size_t end = text.find('\n');
   if (end == std::string_view::npos) {
     throw Error::InvalidArgument(
         "the script's language cannot be told: its text has no line end");
   }
-  const std::string first = UpperCase(Trim(text.substr(0, end)));
+  const std::string first =
+      UpperCase(Trim(WithoutCarriageReturn(text.substr(0, end))));
   return first.find("JSCRIPT") != std::string::npos ? "JSCRIPT" : "VBSCRIPT";
 }
 

@@ -45,6 +45,7 @@ class ScriptCommandsTest : public ::testing::Test {
   std::shared_ptr<FakeScriptLog> log_ = std::make_shared<FakeScriptLog>();
   ScriptCommandOptions options_;
   std::ostringstream out_;
+  std::ostringstream err_;
 };
 
 TEST_F(ScriptCommandsTest, ListsTheHookProcedures) {
@@ -68,18 +69,42 @@ TEST_F(ScriptCommandsTest, RunsOneProcedureWithTheThreeObjects) {
 TEST_F(ScriptCommandsTest, CheckPrintsTheUserAndAnswersTheDecision) {
   Write("system/rzsecure.rzx", "Function RZ_Security = \"ann\"\r\n");
   options_.name = "Export";
-  EXPECT_TRUE(RunSecurityCheck(platform_, options_, out_));
+  EXPECT_TRUE(RunSecurityCheck(platform_, options_, out_, err_));
   EXPECT_EQ(out_.str(), "ann\n");
 
   Write("system/rzsecure.rzx", "Function RZ_Security = \"\"\r\n");
   out_.str("");
-  EXPECT_FALSE(RunSecurityCheck(platform_, options_, out_));
+  EXPECT_FALSE(RunSecurityCheck(platform_, options_, out_, err_));
   EXPECT_EQ(out_.str(), "\n");
 
   out_.str("");
   options_.name = "Print";  // not secured: allowed, no user
-  EXPECT_TRUE(RunSecurityCheck(platform_, options_, out_));
+  EXPECT_TRUE(RunSecurityCheck(platform_, options_, out_, err_));
   EXPECT_EQ(out_.str(), "\n");
+}
+
+TEST_F(ScriptCommandsTest, ARefusalForWantOfASecurityScriptSaysSo) {
+  options_.name = "Export";
+  EXPECT_FALSE(RunSecurityCheck(platform_, options_, out_, err_));
+  EXPECT_EQ(err_.str(), "rzselect: no security script: " +
+                            folder_.File("system/rzsecure.rzx") +
+                            " (set VELTMARK_SYSTEM_DIR)\n");
+  // A script that answers nothing refuses without that note.
+  Write("system/rzsecure.rzx", "Function RZ_Security = \"\"\r\n");
+  err_.str("");
+  EXPECT_FALSE(RunSecurityCheck(platform_, options_, out_, err_));
+  EXPECT_EQ(err_.str(), "");
+}
+
+TEST_F(ScriptCommandsTest, TheTimeLimitOptionReachesTheScripts) {
+  Write("RZscript.rzx", "Function A = \"a\"\r\n");
+  options_.name = "A";
+  options_.hook_timeout = "1.5";
+  RunScriptProcedure(platform_, options_, out_);
+  EXPECT_EQ(log_->timeouts.back(), 1500);
+  options_.hook_timeout = "-2";
+  EXPECT_EQ(ErrorNumber([&] { RunScriptProcedure(platform_, options_, out_); }),
+            5);
 }
 
 TEST_F(ScriptCommandsTest, AMissingApplicationIsError53) {

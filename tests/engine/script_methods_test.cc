@@ -1,8 +1,10 @@
 // Copyright 2026 The Veltmark authors.
 
 // The engine's script methods over the fake script engine: CheckSecurity
-// with the security script, GetScriptModules, ExecuteScriptModule and the
-// after-open hook of Initialize. The system folder is a temporary folder
+// with the security script, GetScriptModules, ExecuteScriptModule, the
+// after-open hook of Initialize, the hook time limit, and the view methods
+// a script may not point at another application. The system folder is a
+// temporary folder
 // ($VELTMARK_SYSTEM_DIR).
 
 #include <gtest/gtest.h>
@@ -11,9 +13,13 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "core/error.h"
 #include "engine/rzselect.h"
+#include "platform/script_reachable.h"
+#include "support/error_number.h"
 #include "support/fake_platform.h"
 #include "support/fake_script_engine.h"
 #include "support/temp_folder.h"
@@ -99,6 +105,77 @@ TEST_F(ScriptMethodsTest, InitializeRunsTheAfterOpenHookOnlyWhenAsked) {
   EXPECT_EQ(log_->objects,
             (std::vector<std::string>{"RZfile", "RZselect", "RZrep"}));
   EXPECT_TRUE(engine_->State().RunFromRZ);
+}
+
+TEST_F(ScriptMethodsTest, TheHookTimeLimitComesFromTheHostOrTheTemplate) {
+  Write("system/rzsecure.rzx", "Function RZ_Security = \"ann\"\r\n");
+  FakeApplication& app = platform_->Disk()[folder_.File("line4.rzt")];
+  struct Case {
+    const char* template_value;
+    std::optional<int32_t> host;
+    int32_t expected;
+  };
+  const Case cases[] = {
+      {"", std::nullopt, -1},      {"2.5", std::nullopt, 2500},
+      {"0", std::nullopt, -1},     {" 30 ", std::nullopt, 30000},
+      {"0.0001", std::nullopt, 1}, {"2.5", 700, 700},
+      {"soon", 700, 700},  // the host's wins; the key is not read
+  };
+  for (const Case& c : cases) {
+    app.hook_timeout = c.template_value;
+    engine_->SetHookTimeout(c.host);
+    engine_->Initialize();
+    EXPECT_EQ(log_->timeouts.back(), c.expected) << c.template_value;
+  }
+}
+
+TEST_F(ScriptMethodsTest, ABadTemplateTimeLimitFailsClosed) {
+  Write("system/rzsecure.rzx", "Function RZ_Security = \"ann\"\r\n");
+  engine_->Initialize();
+  ASSERT_TRUE(engine_->CheckSecurity("EXPORT"));
+  FakeApplication& app = platform_->Disk()[folder_.File("line4.rzt")];
+  for (const char* value : {"-1", "abc", "86400.5", "1e3", "nan"}) {
+    app.hook_timeout = value;
+    try {
+      engine_->Initialize();
+      ADD_FAILURE() << value << ": no error";
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), 5) << value;
+      EXPECT_EQ(error.Description(),
+                folder_.File("line4.rzt") + ": HOOKTIMEOUT '" + value +
+                    "' is not a number of seconds from 0 (no time limit) to "
+                    "86400");
+    }
+    EXPECT_FALSE(engine_->CheckSecurity("EXPORT")) << value;
+  }
+}
+
+TEST_F(ScriptMethodsTest, AScriptMayNotPointViewMethodsAtAnotherApplication) {
+  std::filesystem::create_directories(folder_.File("other"));
+  const std::string other = folder_.File("other/line9");
+  engine_->Initialize();
+  {
+    ScriptHold hold(engine_);
+    EXPECT_EQ(ErrorNumber([&] {
+                engine_->Call("SaveView", {"V", other});
+              }),
+              70);
+    EXPECT_FALSE(std::filesystem::exists(other + ".V1"));
+    // Its own application is the script's to use, by either name.
+    engine_->Call("SaveView", {"Mine", folder_.File("line4")});
+    engine_->Call("SaveView", {"Mine"});
+    engine_->Call("LoadView", {"Mine"});
+    // The host keeps full control in C++ while a script runs.
+    engine_->SaveView("Host", other);
+    // An application opened under the script's hands is not its own.
+    platform_->AddApplication(other + ".rzt");
+    engine_->SetFilename(other + ".rzt");
+    engine_->Initialize();
+    EXPECT_EQ(ErrorNumber([&] { engine_->Call("LoadView", {"Mine"}); }), 70);
+    EXPECT_EQ(ErrorNumber([&] { engine_->Call("SaveView", {"Mine"}); }), 70);
+  }
+  // Once no script holds the engine, late-bound calls are the host's.
+  engine_->Call("SaveView", {"Free", folder_.File("line4")});
 }
 
 }  // namespace

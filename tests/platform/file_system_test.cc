@@ -460,6 +460,22 @@ TEST(FileSystemPathTest, PathParts) {
   }
 }
 
+TEST(FileSystemPathTest, ComparablePathsNameTheSamePlaceAlike) {
+  const std::string here = std::filesystem::current_path().string();
+  struct Row {
+    const char* path;
+    std::string comparable;
+  };
+  const Row rows[] = {
+      {"/data/line4", "/data/line4"},   {"/data/./x/../line4", "/data/line4"},
+      {"\\data\\line4", "/data/line4"}, {"//data//line4", "/data/line4"},
+      {"line4", here + "/line4"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(ComparablePath(row.path), row.comparable) << row.path;
+  }
+}
+
 TEST(FileSystemPathTest, JoinPathAndExtensionComparison) {
   EXPECT_EQ(JoinPath("/etc/veltmark", "RZscript.rzx"),
             "/etc/veltmark/RZscript.rzx");

@@ -152,6 +152,64 @@ TEST_F(ScriptHostTest, WithoutASecurityScriptEveryCheckAnswersNothing) {
   EXPECT_NE(Shown()[0].text.find("Procedure: RZ_Security"), std::string::npos);
 }
 
+TEST_F(ScriptHostTest, ASecurityScriptThatFailsToLoadLeavesNoEngine) {
+  struct Case {
+    const char* what;
+    std::string text;
+  };
+  const Case cases[] = {
+      {"compile error", "Function RZ_Security = \"ann\"\r\nSYNTAX ERROR\r\n"},
+      {"refused include",
+       "Function RZ_Security = \"ann\"\r\n$INCLUDE /dev/zero\r\n"},
+      {"no line end", "Function RZ_Security = \"ann\""},
+  };
+  for (const Case& c : cases) {
+    Write("system/rzsecure.rzx", "Function RZ_Security = \"ann\"\r\n");
+    host_.SetupForScripting(folder_.File("system"));
+    ASSERT_TRUE(host_.HasSecurityScript()) << c.what;
+    const size_t shown = Shown().size();
+    Write("system/rzsecure.rzx", c.text);
+    host_.SetupForScripting(folder_.File("system"));
+    EXPECT_FALSE(host_.HasSecurityScript()) << c.what;
+    EXPECT_EQ(host_.RunSecurityHook("RZ_Security", "EXPORT,x"), "") << c.what;
+    ASSERT_EQ(Shown().size(), shown + 1) << c.what;
+    EXPECT_NE(Shown().back().text.find("Procedure: Loading Script ..."),
+              std::string::npos)
+        << c.what;
+  }
+}
+
+TEST_F(ScriptHostTest, TheSecurityScriptMayIncludeOnlyFromTheSystemFolder) {
+  Write("app/lib.rzx", "Function RZ_Security = \"ann\"\r\n");
+  Write("system/rzsecure.rzx",
+        "' security\r\n$INCLUDE " + folder_.File("app/lib.rzx") + "\r\n");
+  host_.SetupForScripting(folder_.File("system"));
+  EXPECT_FALSE(host_.HasSecurityScript());
+  ASSERT_EQ(Shown().size(), 1u);
+  EXPECT_NE(Shown()[0].text.find("Error 70: Permission denied: '$INCLUDE " +
+                                 folder_.File("app/lib.rzx") + "'"),
+            std::string::npos)
+      << Shown()[0].text;
+  // The same file is a hook script's to include: the application folder is
+  // the hooks' own.
+  Write("app/RZscript.rzx",
+        "' hooks\r\n$INCLUDE " + folder_.File("app/lib.rzx") + "\r\n");
+  EXPECT_EQ(host_.RunHook("RZ_Security", files_, {}), "ann");
+}
+
+TEST_F(ScriptHostTest, TheTimeLimitReachesEveryEngine) {
+  Write("app/RZscript.rzx", "Function A = \"a\"\r\n");
+  Write("system/rzsecure.rzx", "Function RZ_Security = \"ann\"\r\n");
+  EXPECT_EQ(host_.RunHook("A", files_, {}), "a");
+  EXPECT_EQ(log_->timeouts.back(), -1);  // none by default
+  host_.SetTimeout(1500);
+  EXPECT_EQ(host_.RunHook("A", files_, {}), "a");
+  EXPECT_EQ(log_->timeouts.back(), 1500);
+  host_.SetTimeout(250);
+  host_.SetupForScripting(folder_.File("system"));
+  EXPECT_EQ(log_->timeouts.back(), 250);
+}
+
 TEST_F(ScriptHostTest, APlatformWithoutScriptEnginesAnswersNothing) {
   FakePlatform bare;
   ScriptHost host(bare);

@@ -45,6 +45,7 @@ namespace rz {
 struct FakeApplication {
   std::string app_title;
   std::string secured_functions;
+  std::string hook_timeout;  // HOOKTIMEOUT; "" = absent
   double template_date_time = 0;
   double data_date_time = 0;
   int16_t default_look_back = -1;
@@ -127,6 +128,7 @@ class FakeAppFile : public AppFile {
   std::string SecuredFunctions() const override {
     return app_.secured_functions;
   }
+  std::string HookTimeout() const override { return app_.hook_timeout; }
   bool TemplateWritable() const override { return app_.template_writable; }
   std::array<std::string, 2> TemplateQueries() const override {
     return app_.template_queries;

@@ -18,6 +18,7 @@
 
 #include "components/appfile/application_test_fixture.h"
 #include "core/error.h"
+#include "platform/script_reachable.h"
 #include "support/error_number.h"
 
 namespace rz {
@@ -449,6 +450,42 @@ TEST_F(ApplicationFileTest, RulesComeFromTheTemplate) {
   EXPECT_EQ(ErrorNumber([&] { file->Rules().Item(3); }), 5);
 }
 
+TEST_F(ApplicationFileTest, TheHookTimeLimitKeyIsReadAsWritten) {
+  Export("line4.rzt");
+  Export("line9.rzt");
+  std::string text = ReadTextFile(Path("line4.rzt"));
+  text.insert(text.find('\n') + 1, "HookTimeout = 2.5\r\n");
+  WriteTextFileAtomically(Path("line4.rzt"), text);
+  EXPECT_EQ(Open("line4.rzt")->HookTimeout(), "2.5");
+  EXPECT_EQ(Open("line9.rzt")->HookTimeout(), "");
+  // Rewriting the template keeps it.
+  auto file = Open("line4.rzt");
+  file->Views().Add("x", 1);
+  file->Views().Save();
+  EXPECT_EQ(Open("line4.rzt")->HookTimeout(), "2.5");
+}
+
+TEST_F(ApplicationFileTest, AScriptMayReopenOnlyItsOwnApplication) {
+  Export("line4.rzt");
+  Export("line9.rzt");
+  std::shared_ptr<ApplicationFile> file = Open("line4.rzt");
+  const auto open = [&](const std::string& name) {
+    file->Call("OpenApplication", {Path(name)});
+  };
+  {
+    ScriptHold hold(file);
+    EXPECT_EQ(ErrorNumber([&] { open("line9.rzt"); }), 70);
+    EXPECT_EQ(file->BasePath(), Path("line4"));
+    open("./line4.rzt");  // its own, again
+    file->Put("OpenMode", Variant(kOpenCreateNew));
+    EXPECT_EQ(ErrorNumber([&] { open("line4.rzt"); }), 70);
+    file->SetOpenMode(kOpenExisting);
+    file->OpenApplication(Path("line9.rzt"));  // the host, in C++
+  }
+  open("line4.rzt");  // no script holds it
+  EXPECT_EQ(file->BasePath(), Path("line4"));
+}
+
 TEST_F(ApplicationFileTest, ANewApplicationTakesRulesAndSecuredFunctions) {
   {
     ApplicationFile file;
@@ -456,8 +493,8 @@ TEST_F(ApplicationFileTest, ANewApplicationTakesRulesAndSecuredFunctions) {
     AddVariables(file);
     // Through the scripting surface, as a site hook would make one.
     file.Put("SecuredFunctions", Variant("EXPORT, DELETE"));
-    DispatchArgs rule = {"A", "Outside, limits", "t1", "", "", "", "",
-                         "t\"6", 1.0, 2.5};
+    DispatchArgs rule = {
+        "A", "Outside, limits", "t1", "", "", "", "", "t\"6", 1.0, 2.5};
     file.Call("AddRule", rule);
     file.AddRule({"b", "Run", {{}, {7, 0}}});
     for (const char* bad : {"a", "B", "", "AB"}) {
@@ -474,7 +511,8 @@ TEST_F(ApplicationFileTest, ANewApplicationTakesRulesAndSecuredFunctions) {
   ASSERT_EQ(file->Rules().Count(), 2);
   EXPECT_EQ(
       file->Rules().Item(1),
-      (Rule{"A", "Outside, limits", {{"t1", "", "", "", "", "t\"6"}, {1, 2.5}}}));
+      (Rule{
+          "A", "Outside, limits", {{"t1", "", "", "", "", "t\"6"}, {1, 2.5}}}));
   EXPECT_EQ(file->Rules().Item(2), (Rule{"b", "Run", {{}, {7, 0}}}));
 }
 
