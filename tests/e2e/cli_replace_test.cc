@@ -285,6 +285,37 @@ TEST_F(CliReplaceTest, AReaderWaitsWhileTheFilesSwitch) {
   EXPECT_EQ(Snapshot(dir_), new_);
 }
 
+TEST_F(CliReplaceTest, RacingCommandsEachSeeAWholeApplication) {
+  ASSERT_EQ(Sample(temp_.File("third"), 50, "3").status, 0);
+  const FileSet third = Snapshot(temp_.File("third"));
+  Restore();
+  TempFolder logs;
+  {
+    // Two replacements and two readers at once: the replacements take
+    // turns, the readers see one whole application each.
+    Child first({RZSELECT_PATH, "sample", dir_, "--records", "60", "--seed",
+                 "2", "--force"},
+                logs.File("1.out"), logs.File("1.err"));
+    Child second({RZSELECT_PATH, "sample", dir_, "--records", "50", "--seed",
+                  "3", "--force"},
+                 logs.File("2.out"), logs.File("2.err"));
+    Child reader({RZSELECT_PATH, "views", Template()}, logs.File("3.out"),
+                 logs.File("3.err"));
+    Child script_reader({RZSELECT_PATH, "scripts", Template()},
+                        logs.File("4.out"), logs.File("4.err"));
+    for (Child* child : {&first, &second, &reader, &script_reader}) {
+      EXPECT_EQ(child->WaitExit(std::chrono::seconds(60)), 0);
+    }
+  }
+  for (const char* err : {"1.err", "2.err", "3.err", "4.err"}) {
+    EXPECT_EQ(ReadWholeFile(logs.File(err)), "") << err;
+  }
+  EXPECT_NE(ReadWholeFile(logs.File("3.out")).find("Operator query"),
+            std::string::npos);
+  const FileSet held = Snapshot(dir_);
+  EXPECT_TRUE(held == new_ || held == third) << Names(held);
+}
+
 // Runs rzselect (a copy any user may run) as a user who cannot write
 // `folder`; skip_reason tells when that cannot be done here.
 UnprivilegedRun RunRzselectWithoutWriteAccess(
