@@ -17,7 +17,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
 
 #include "core/error.h"
 #include "platform/file_system.h"
@@ -61,19 +60,12 @@ FileSet Union(FileSet a, const FileSet& b) {
   return a;
 }
 
-std::string ReadAll(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << file.rdbuf();
-  return bytes.str();
-}
-
 FileSet Snapshot(const std::string& folder) {
   FileSet files;
   for (const auto& entry : fs::directory_iterator(folder)) {
     const std::string name = entry.path().filename().string();
-    files[name] =
-        entry.is_directory() ? "<folder>" : ReadAll(entry.path().string());
+    files[name] = entry.is_directory() ? "<folder>"
+                                       : ReadBinaryFile(entry.path().string());
   }
   return files;
 }
