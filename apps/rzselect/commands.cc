@@ -8,6 +8,7 @@
 
 #include "core/error.h"
 #include "platform/app_file.h"
+#include "platform/application_replace.h"
 #include "platform/file_system.h"
 #include "rzselect/csv_import.h"
 #include "rzselect/csv_reader.h"
@@ -53,17 +54,19 @@ void RunSample(Platform& platform, const SampleOptions& options,
                std::ostream& out) {
   const std::string template_path = JoinPath(NormalizePath(options.folder),
                                              std::string(kSampleName) + ".rzt");
-  if (!options.force && ApplicationFilesExist(template_path)) {
-    throw Error::FileAlreadyExists(template_path);
-  }
+  RecoverApplication(template_path);
+  if (!options.force) RefuseExistingApplication(template_path);
   MakeFolder(options.folder);
+  ApplicationReplacement replacement(template_path);
+  const std::string staged = replacement.StagedTemplatePath();
   const NewApplication application =
       GenerateSample(options.records, options.seed);
   std::shared_ptr<AppFile> file = platform.CreateAppFile();
-  WriteNewApplication(*file, application, template_path, options.force);
+  WriteNewApplication(*file, application, staged, false);
   // The engine holds its platform by shared pointer; this one outlives it.
   WriteSampleViews(std::shared_ptr<Platform>(&platform, [](Platform*) {}),
-                   template_path);
+                   staged);
+  replacement.Commit();
   Report(out, template_path, application);
   out << "Wrote " << std::size(kSampleViewNames) << " views ("
       << WithoutExtension(template_path) << ".V1 .. .V"
@@ -74,9 +77,8 @@ void RunSample(Platform& platform, const SampleOptions& options,
 void RunImport(Platform& platform, const ImportOptions& options,
                std::ostream& out) {
   const std::string template_path = NormalizePath(options.template_path);
-  if (!options.force && ApplicationFilesExist(template_path)) {
-    throw Error::FileAlreadyExists(template_path);
-  }
+  RecoverApplication(template_path);
+  if (!options.force) RefuseExistingApplication(template_path);
   const std::string folder = ParentFolder(template_path);
   if (!folder.empty() && !FileExists(folder)) {
     throw Error::PathNotFound(folder);
@@ -87,8 +89,11 @@ void RunImport(Platform& platform, const ImportOptions& options,
       options.title.empty() ? FileTitle(options.csv_path) : options.title;
   const NewApplication application =
       ApplicationFromCsv(records, options.csv_path, title);
+  ApplicationReplacement replacement(template_path);
   std::shared_ptr<AppFile> file = platform.CreateAppFile();
-  WriteNewApplication(*file, application, template_path, options.force);
+  WriteNewApplication(*file, application, replacement.StagedTemplatePath(),
+                      false);
+  replacement.Commit();
   Report(out, template_path, application);
 }
 

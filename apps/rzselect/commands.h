@@ -2,16 +2,22 @@
 //
 // The commands of `rzselect` that make applications: `sample` writes the
 // example application line4 into a folder, `import` makes an application
-// from a CSV file. Both write through the platform's application-file
-// object and report what they wrote on `out`; both raise rz::Error (the
-// caller prints it and exits with 1):
-//   - 58 when an application is already at the target and `force` is off
-//     (the existing files are left as they were);
+// from a CSV file. Both first finish or undo a replacement of the
+// application that was interrupted (RecoverApplication), then write the
+// new application through the platform's application-file object into a
+// staging folder beside the target and put it in place of the old one as
+// a whole (application_replace.h): killed at any moment, the folder holds
+// the complete old application (template, data file, views, hook script)
+// or the complete new one. They report what they wrote on `out`; both
+// raise rz::Error (the caller prints it and exits with 1):
+//   - 58 naming the file when a file of an application is already at the
+//     target and `force` is off (the existing files are left as they
+//     were);
+//   - 70 naming the target folder when it cannot be written;
 //   - the file errors of the folder, the CSV file or the application file
 //     (import: 76 naming the folder of the new template when it is
 //     missing; sample makes its folder);
-//   - errors of completing the template after the application was
-//     written (the application is there then, without its rules);
+//   - errors of writing the sample's views (nothing is replaced then);
 //   - for import, 5 or 13 naming "FILE:LINE:" for a record that cannot be
 //     used (csv_import.h), before anything is written.
 

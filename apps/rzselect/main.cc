@@ -1,7 +1,10 @@
 // Copyright 2026 The Veltmark authors.
 //
 // rzselect: the command line a user meets first. It runs the selection
-// engine over a Veltmark application. Exit status 0 on success, 1 on an
+// engine over a Veltmark application. The commands that read an
+// application hold its folder for reading (ApplicationReadLock: an
+// interrupted replacement is finished first, and none switches files
+// while they read). Exit status 0 on success, 1 on an
 // engine error ("error N: description (source)" on stderr), 2 on bad
 // usage.
 
@@ -17,6 +20,7 @@
 #include "common/system_platform.h"
 #include "core/error.h"
 #include "engine/rzselect.h"
+#include "platform/application_replace.h"
 #include "rzselect/commands.h"
 #include "rzselect/script_commands.h"
 #include "rzselect/views_command.h"
@@ -172,12 +176,16 @@ int main(int argc, char** argv) {
     } else if (app.got_subcommand("import")) {
       rz::RunImport(platform, import_options, std::cout);
     } else if (app.got_subcommand("views")) {
+      const rz::ApplicationReadLock reading(views_options.template_path);
       rz::RunViews(platform, views_options, std::cout);
     } else if (app.got_subcommand("scripts")) {
+      const rz::ApplicationReadLock reading(script_options.template_path);
       rz::RunScriptList(shared_platform, script_options, std::cout);
     } else if (app.got_subcommand("script")) {
+      const rz::ApplicationReadLock reading(script_options.template_path);
       rz::RunScriptProcedure(shared_platform, script_options, std::cout);
     } else if (app.got_subcommand("check")) {
+      const rz::ApplicationReadLock reading(script_options.template_path);
       if (!rz::RunSecurityCheck(shared_platform, script_options, std::cout,
                                 std::cerr)) {
         return kExitRefused;

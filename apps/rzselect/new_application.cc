@@ -3,6 +3,7 @@
 #include "rzselect/new_application.h"
 
 #include "core/error.h"
+#include "platform/application_replace.h"
 #include "platform/field_format.h"
 #include "platform/file_system.h"
 
@@ -99,16 +100,26 @@ void SetLimitMethod(FieldDefinition& variable, LimitKind limit,
   variable.SetLimit(limit, Limit{std::string(method), 0});
 }
 
-bool ApplicationFilesExist(std::string_view template_path) {
-  return FileExists(template_path) ||
-         FileExists(WithoutExtension(template_path) + ".rzd");
+std::optional<std::string> ExistingApplicationFile(
+    std::string_view template_path) {
+  const std::string path = NormalizePath(template_path);
+  for (const std::string& main_file : {path, WithoutExtension(path) + ".rzd"}) {
+    if (FileExists(main_file)) return main_file;
+  }
+  const std::vector<std::string> files = ExistingApplicationFiles(path);
+  if (files.empty()) return std::nullopt;
+  return JoinPath(ParentFolder(path), files.front());
+}
+
+void RefuseExistingApplication(std::string_view template_path) {
+  const std::optional<std::string> existing =
+      ExistingApplicationFile(template_path);
+  if (existing) throw Error::FileAlreadyExists(*existing);
 }
 
 void WriteNewApplication(AppFile& file, const NewApplication& application,
                          std::string_view template_path, bool replace) {
-  if (!replace && ApplicationFilesExist(template_path)) {
-    throw Error::FileAlreadyExists(NormalizePath(template_path));
-  }
+  if (!replace) RefuseExistingApplication(template_path);
   WriteHeader(file, application);
   WriteVariables(file, application);
   file.SetOpenMode(kOpenCreateNew);

@@ -7,8 +7,9 @@
 // (OpenMode 1, Variables().Add, AddRecord/SetValue/SaveRecord,
 // CloseApplication), so the files appear only when everything was written.
 //
-// Errors: WriteNewApplication raises Error::FileAlreadyExists (58) when an
-// application is at the path and `replace` is false, and passes on every
+// Errors: WriteNewApplication raises Error::FileAlreadyExists (58) naming
+// the file when a file of an application is at the path and `replace` is
+// false, and passes on every
 // error of the application file (a folder that cannot be written, a value
 // of the wrong kind); nothing is left at the path then.
 
@@ -17,6 +18,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,9 +59,17 @@ void SetFixedLimit(FieldDefinition& variable, LimitKind limit, double value);
 void SetLimitMethod(FieldDefinition& variable, LimitKind limit,
                     std::string_view method);
 
-// True when the template or the data file of the application at
-// `template_path` exists.
-bool ApplicationFilesExist(std::string_view template_path);
+// The path of a file of the application at `template_path` that exists
+// (application_replace.h lists them: template, hook script, data file and
+// its journals, views), the template or the data file first; nullopt when
+// there is none. An application is replaced only by choice (--force), so
+// any of them counts.
+std::optional<std::string> ExistingApplicationFile(
+    std::string_view template_path);
+
+// Raises Error::FileAlreadyExists (58) naming ExistingApplicationFile
+// when there is one.
+void RefuseExistingApplication(std::string_view template_path);
 
 // Writes `application` at `template_path` ("dir/name.rzt"; the data file
 // is "dir/name.rzd") through `file`, a new closed application-file object.

@@ -26,24 +26,10 @@ std::string UniqueSibling(const std::string& path, std::string_view tag) {
          std::to_string(++counter);
 }
 
-Error RenameError(int error_number, const std::string& path) {
-  switch (error_number) {
-    case ENOENT:
-    case ENOTDIR:
-      return Error::PathNotFound(path);
-    case EACCES:
-    case EPERM:
-    case EROFS:
-      return Error::PermissionDenied(path);
-    default:
-      return Error::PathFileAccess(path);
-  }
-}
-
 // Renames `from` to `to`; raises the error naming `to` on failure.
 void MoveFile(const std::string& from, const std::string& to) {
   if (std::rename(from.c_str(), to.c_str()) != 0) {
-    throw RenameError(errno, to);
+    throw FileWriteError(errno, to);
   }
 }
 

@@ -48,6 +48,13 @@ std::optional<int64_t> QueryInteger(SqliteDb& db, const std::string& sql) {
   return statement.ColumnInt64(0);
 }
 
+// The failures of a read-only connection that cannot make or use the -shm
+// index of a WAL file (its folder or the index cannot be written).
+bool IsIndexFailure(int code) {
+  const int primary = code & 0xff;
+  return primary == SQLITE_READONLY || primary == SQLITE_CANTOPEN;
+}
+
 }  // namespace
 
 std::unique_ptr<DataStore> DataStore::Open(const std::string& path,
@@ -121,8 +128,30 @@ std::unique_ptr<SqliteDb> SqliteDataStore::Connect() const {
     throw Error::BadDataFile(path_, "a folder is not a data file");
   }
   if (access(path_.c_str(), R_OK) != 0) throw Error::PermissionDenied(path_);
-  return std::make_unique<SqliteDb>(path_,
-                                    SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX);
+  constexpr int kFlags = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX;
+  auto db = std::make_unique<SqliteDb>(path_, kFlags);
+  // Reading a WAL file needs its -shm index, which SQLite makes beside it:
+  // the first read tells whether that works here.
+  const int code = db->ExecForCode("SELECT count(*) FROM sqlite_master");
+  if (code == SQLITE_OK) return db;
+  if (!IsIndexFailure(code)) throw db->ErrorFor(code, "cannot read");
+  db.reset();
+  // A journal with pages holds records the file itself does not: reading
+  // the file alone would lose them without a word.
+  if (WalHoldsPages()) {
+    throw Error::PermissionDeniedFor(
+        path_, "its journal " + path_ +
+                   "-wal holds records that can be read only with an index "
+                   "file (-shm) this user cannot create or open; open the "
+                   "application once as a user who can write its folder");
+  }
+  // Everything is in the file itself: read it as a file nothing changes.
+  return std::make_unique<SqliteDb>(path_, kFlags, /*immutable=*/true);
+}
+
+bool SqliteDataStore::WalHoldsPages() const {
+  struct stat wal {};
+  return stat((path_ + "-wal").c_str(), &wal) == 0 && wal.st_size > 0;
 }
 
 void SqliteDataStore::CheckColumns(SqliteDb& db) const {

@@ -4,7 +4,12 @@
 // data_file_schema.h for the tables). DataStore::Open creates one.
 //
 // Loading: one read-only connection (no mutex: a store is used from one
-// thread), one "SELECT recno, v1..vn FROM records ORDER BY recno" pass into
+// thread). Where SQLite cannot make or use the data file's -shm index (a
+// folder the user may read but not write), the file is opened as an
+// immutable file when its -wal journal is missing or empty, since the file
+// then holds every record; a -wal holding pages then raises 70 naming the
+// file, because reading without it would silently lose records. One
+// "SELECT recno, v1..vn FROM records ORDER BY recno" pass into
 // RecordColumns, inside one read transaction so the edit generation and the
 // records belong to the same state of the file. The connection is closed
 // after each load; nothing is held open between refreshes.
@@ -90,6 +95,7 @@ class SqliteDataStore : public DataStore {
 
   Snapshot TakeSnapshot() const;
   std::unique_ptr<SqliteDb> Connect() const;
+  bool WalHoldsPages() const;
   void CheckColumns(SqliteDb& db) const;
   std::optional<int64_t> ReadEditGeneration(SqliteDb& db) const;
   std::unique_ptr<RecordColumns> ReadRecords(SqliteDb& db,

@@ -4,7 +4,9 @@
 
 #include <sqlite3.h>
 
+#include <cctype>
 #include <cerrno>
+#include <cstring>
 
 #include "platform/file_system.h"
 
@@ -31,6 +33,25 @@ Error CantOpenError(std::string_view path, int system_errno,
     default:
       return Error::BadDataFile(path, detail);
   }
+}
+
+// The URI of `path` with SQLite's immutable parameter: every byte outside
+// the unreserved set and "/" percent-encoded, so names with "?", "#" or
+// "%" reach the file system unchanged.
+std::string ImmutableUri(std::string_view path) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  std::string uri = path.starts_with('/') ? "file://" : "file:";
+  for (const char ch : path) {
+    const auto byte = static_cast<unsigned char>(ch);
+    if (std::isalnum(byte) || std::strchr("/-._~", ch) != nullptr) {
+      uri += ch;
+    } else {
+      uri += '%';
+      uri += kHex[byte >> 4];
+      uri += kHex[byte & 0xf];
+    }
+  }
+  return uri + "?immutable=1";
 }
 
 }  // namespace
@@ -67,8 +88,11 @@ Error SqliteError(std::string_view path, int code, std::string_view detail) {
   }
 }
 
-SqliteDb::SqliteDb(const std::string& path, int flags) : path_(path) {
-  const int code = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
+SqliteDb::SqliteDb(const std::string& path, int flags, bool immutable)
+    : path_(path) {
+  const std::string name = immutable ? ImmutableUri(path) : path;
+  if (immutable) flags |= SQLITE_OPEN_URI;
+  const int code = sqlite3_open_v2(name.c_str(), &db_, flags, nullptr);
   if (code != SQLITE_OK) {
     const int system_errno = db_ ? sqlite3_system_errno(db_) : 0;
     const std::string message = db_ ? sqlite3_errmsg(db_) : "out of memory";
@@ -85,13 +109,13 @@ SqliteDb::SqliteDb(const std::string& path, int flags) : path_(path) {
 SqliteDb::~SqliteDb() { sqlite3_close(db_); }
 
 void SqliteDb::Exec(std::string_view sql) {
-  char* message = nullptr;
+  const int code = ExecForCode(sql);
+  if (code != SQLITE_OK) throw SqliteError(path_, code, sqlite3_errmsg(db_));
+}
+
+int SqliteDb::ExecForCode(std::string_view sql) {
   const std::string text(sql);
-  const int code = sqlite3_exec(db_, text.c_str(), nullptr, nullptr, &message);
-  if (code == SQLITE_OK) return;
-  const std::string detail = message ? message : sqlite3_errstr(code);
-  sqlite3_free(message);
-  throw SqliteError(path_, code, detail);
+  return sqlite3_exec(db_, text.c_str(), nullptr, nullptr, nullptr);
 }
 
 bool SqliteDb::HasTable(std::string_view name) {

@@ -41,14 +41,19 @@ class SqliteDb {
  public:
   // Opens `path` with the sqlite3_open_v2 `flags`; raises the error above
   // when SQLite refuses. Waits up to a few seconds for a lock held by
-  // another connection before giving up.
-  SqliteDb(const std::string& path, int flags);
+  // another connection before giving up. With `immutable` the file is
+  // opened as one that nothing changes while it is open (SQLite's
+  // "immutable" URI parameter): no locks, no -shm file, and a -wal file is
+  // not read; for reading a file in a folder that cannot be written.
+  SqliteDb(const std::string& path, int flags, bool immutable = false);
   ~SqliteDb();
   SqliteDb(const SqliteDb&) = delete;
   SqliteDb& operator=(const SqliteDb&) = delete;
 
   // Runs one or more statements that return no rows.
   void Exec(std::string_view sql);
+  // As Exec, but returns SQLite's result code instead of raising.
+  int ExecForCode(std::string_view sql);
   // True when the schema has a table of that name.
   bool HasTable(std::string_view name);
 

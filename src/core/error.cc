@@ -94,6 +94,12 @@ Error Error::PermissionDenied(std::string_view path) {
   return Error(70, "Permission denied: " + Quoted(path));
 }
 
+Error Error::PermissionDeniedFor(std::string_view path,
+                                 std::string_view detail) {
+  return Error(
+      70, "Permission denied: " + Quoted(path) + ": " + std::string(detail));
+}
+
 Error Error::PathFileAccess(std::string_view path) {
   return Error(75, "Path/File access error: " + Quoted(path));
 }

@@ -67,6 +67,10 @@ class Error : public std::runtime_error {
   static Error PermissionDenied(std::string_view path);  // 70
   static Error PathFileAccess(std::string_view path);    // 75
   static Error PathNotFound(std::string_view path);      // 76
+  // A permission problem with `path` that `detail` explains ("the folder
+  // cannot be written").
+  static Error PermissionDeniedFor(std::string_view path,
+                                   std::string_view detail);  // 70
   // The file at `path` exists but is not what it must be (not a data file,
   // columns that do not match); `detail` says what is wrong.
   static Error BadDataFile(std::string_view path,

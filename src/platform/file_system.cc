@@ -51,24 +51,6 @@ Error ReadError(int error_number, std::string_view path) {
   }
 }
 
-// The error for a failed create, write or rename: a missing name here
-// means a missing folder.
-Error WriteError(int error_number, std::string_view path) {
-  switch (error_number) {
-    case ENOENT:
-    case ENOTDIR:
-      return Error::PathNotFound(path);
-    case EACCES:
-    case EPERM:
-    case EROFS:
-      return Error::PermissionDenied(path);
-    case ENAMETOOLONG:
-      return Error::BadFileName(path);
-    default:
-      return Error::PathFileAccess(path);
-  }
-}
-
 // Writes all of `bytes`; false with errno set on failure.
 bool WriteAll(int fd, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -93,16 +75,6 @@ bool WriteAndDeleteProbe(const std::string& file) {
   const bool closed = ::close(fd) == 0;
   const bool deleted = ::unlink(file.c_str()) == 0;
   return written && closed && deleted;
-}
-
-// Flushes a folder's entries (the rename) to the disk; best effort.
-void SyncFolder(const std::string& file_path) {
-  std::string folder = ParentFolder(file_path);
-  if (folder.empty()) folder = ".";
-  const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (fd < 0) return;
-  ::fsync(fd);
-  ::close(fd);
 }
 
 std::string TemporaryNameFor(const std::string& path) {
@@ -194,7 +166,7 @@ void WriteBinaryFileAtomically(std::string_view path, std::string_view bytes) {
   const std::string temporary = TemporaryNameFor(target);
   const int fd =
       ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (fd < 0) throw WriteError(errno, path);
+  if (fd < 0) throw FileWriteError(errno, path);
 
   // A replaced file keeps its permission bits.
   struct stat old_info;
@@ -213,14 +185,38 @@ void WriteBinaryFileAtomically(std::string_view path, std::string_view bytes) {
   }
   if (!ok) {
     ::unlink(temporary.c_str());
-    throw WriteError(error_number, path);
+    throw FileWriteError(error_number, path);
   }
-  SyncFolder(target);
+  FlushFolder(ParentFolder(target));
 }
 
 void WriteTextFileAtomically(std::string_view path,
                              std::string_view utf8_text) {
   WriteBinaryFileAtomically(path, EncodeWindows1252(utf8_text));
+}
+
+Error FileWriteError(int error_number, std::string_view path) {
+  switch (error_number) {
+    case ENOENT:
+    case ENOTDIR:
+      return Error::PathNotFound(path);
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return Error::PermissionDenied(path);
+    case ENAMETOOLONG:
+      return Error::BadFileName(path);
+    default:
+      return Error::PathFileAccess(path);
+  }
+}
+
+void FlushFolder(std::string_view folder) {
+  const std::string path = folder.empty() ? "." : NormalizePath(folder);
+  const int fd = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return;
+  ::fsync(fd);
+  ::close(fd);
 }
 
 bool DeleteFileQuietly(std::string_view path) {

@@ -25,6 +25,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/error.h"
 #include "platform/platform.h"
 
 namespace rz {
@@ -67,6 +68,16 @@ void WriteTextFileAtomically(std::string_view path, std::string_view utf8_text);
 // the error names `path`. A symbolic link at `path` is replaced by the file
 // itself, not followed.
 void WriteBinaryFileAtomically(std::string_view path, std::string_view bytes);
+
+// The error for a create, write or rename of `path` that failed with the
+// system's `error_number`: a missing name means a missing folder (76),
+// EACCES, EPERM and EROFS are 70, a name too long 52, the rest 75.
+Error FileWriteError(int error_number, std::string_view path);
+
+// Flushes the entries of `folder` ("" is the working folder) to the disk,
+// so that renames and deletions in it survive a power loss; best effort,
+// never throws.
+void FlushFolder(std::string_view folder);
 
 // Deletes the file; true when it was deleted. Never throws; a folder or a
 // missing file gives false.

@@ -28,8 +28,10 @@ namespace rz {
 // when the object goes, whatever the test did.
 class Child {
  public:
+  // `environment` adds "NAME=value" entries to this process's own.
   Child(const std::vector<std::string>& args, const std::string& stdout_path,
-        const std::string& stderr_path) {
+        const std::string& stderr_path,
+        const std::vector<std::string>& environment = {}) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO,
@@ -43,8 +45,16 @@ class Child {
       argv.push_back(const_cast<char*>(arg.c_str()));
     }
     argv.push_back(nullptr);
-    if (posix_spawn(&pid_, argv[0], &actions, nullptr, argv.data(), environ) !=
-        0) {
+    std::vector<char*> envp;
+    for (const std::string& entry : environment) {
+      envp.push_back(const_cast<char*>(entry.c_str()));
+    }
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+      envp.push_back(*entry);
+    }
+    envp.push_back(nullptr);
+    if (posix_spawn(&pid_, argv[0], &actions, nullptr, argv.data(),
+                    envp.data()) != 0) {
       pid_ = -1;
     }
     posix_spawn_file_actions_destroy(&actions);
