@@ -1,12 +1,14 @@
 // Copyright 2026 The Veltmark authors.
 //
 // The README's "Try it" commands run as written on a fresh checkout: each
-// command of its first shell block, run by /bin/sh from the source folder
-// with the rzselect just built and a private folder in place of /tmp, must
+// command of its first shell block, run by /bin/sh with the rzselect just
+// built, from a private folder holding a copy of the source's examples (so
+// the tree is not touched) and with another one in place of /tmp, must
 // succeed. A command that names a file the tree does not ship fails here.
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -73,12 +75,16 @@ TEST(ReadmeTryItTest, EveryCommandRunsAsWritten) {
   const std::vector<std::string> commands =
       TryItCommands(ReadWholeFile(source + "/README.md"));
   ASSERT_GE(commands.size(), 4u) << "no Try it block in README.md";
+  TempFolder checkout;
+  std::filesystem::copy(source + "/examples", checkout.File("examples"),
+                        std::filesystem::copy_options::recursive);
   TempFolder tmp;
   for (std::string command : commands) {
     const std::string as_written = command;
     ReplaceAll(command, kBuiltRzselect, RZSELECT_PATH);
     ReplaceAll(command, "/tmp/", tmp.File(""));
-    const CliResult run = RunShell("cd '" + source + "' && " + command);
+    const CliResult run =
+        RunShell("cd '" + checkout.File("") + "' && " + command);
     EXPECT_EQ(run.status, 0) << as_written << "\n" << run.out << run.err;
   }
 }
