@@ -24,7 +24,9 @@ endfunction()
 
 # rz_add_test(file LIBS... [LABEL label]): builds one GoogleTest file into
 # its own executable and registers every test in it with CTest. The label
-# is "unit" unless given ("e2e" for whole runs).
+# is "unit" unless given ("e2e" for whole runs). Unit test executables are
+# collected in the global property RZ_UNIT_TEST_TARGETS, which the target
+# rz_unit_tests builds (what the sanitizer run needs, without the rest).
 function(rz_add_test file)
   cmake_parse_arguments(ARG "" "LABEL" "LIBS" ${ARGN})
   get_filename_component(test_name "${file}" NAME_WE)
@@ -38,6 +40,9 @@ function(rz_add_test file)
   target_link_libraries(${target} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main)
   target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   rz_target_warnings(${target})
+  if(ARG_LABEL STREQUAL "unit")
+    set_property(GLOBAL APPEND PROPERTY RZ_UNIT_TEST_TARGETS ${target})
+  endif()
   gtest_discover_tests(${target}
     PROPERTIES LABELS ${ARG_LABEL}
     DISCOVERY_TIMEOUT 60)
