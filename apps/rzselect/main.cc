@@ -99,7 +99,12 @@ void AddHookTimeout(CLI::App& command, std::string& seconds) {
             try {
               rz::HookTimeoutMilliseconds(value, "", rz::kHookTimeoutOption);
             } catch (const rz::Error& error) {
-              return error.Description();
+              // CLI11 puts the option's name before the message.
+              const std::string prefix =
+                  std::string(rz::kHookTimeoutOption) + " ";
+              std::string text = error.Description();
+              if (text.rfind(prefix, 0) == 0) text.erase(0, prefix.size());
+              return text;
             }
             return "";
           },

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "core/codec.h"
 #include "core/error.h"
 #include "core/text.h"
 #include "platform/file_system.h"
@@ -111,11 +112,16 @@ std::string ScriptReader::CheckAllowed(const std::string& path,
   return real;
 }
 
-std::string ReadScriptFile(const std::string& path) {
-  std::string text = ReadTextFile(path);
-  if (text.size() <= 1) return "";
-  if (text.back() == kEndOfFile) text.pop_back();
-  return text;
+// The file's text; `what` names it when it has grown past the size limit
+// since it was looked at.
+std::string ReadScriptFile(const std::string& path, const std::string& what) {
+  std::string bytes = ReadBinaryFile(path);
+  if (bytes.size() > static_cast<size_t>(kMaxScriptFileSize)) {
+    throw Error::ScriptFileRefused(what, "larger than the script size limit");
+  }
+  if (bytes.size() <= 1) return "";
+  if (bytes.back() == kEndOfFile) bytes.pop_back();
+  return DecodeWindows1252(bytes);
 }
 
 std::string ScriptReader::Load(const std::string& path, const std::string& what,
@@ -127,12 +133,7 @@ std::string ScriptReader::Load(const std::string& path, const std::string& what,
                                  " deep at " + path);
   }
   const std::string real = CheckAllowed(path, what);
-  std::string text = ReadScriptFile(real);
-  // The file may have grown since it was looked at.
-  if (text.size() > static_cast<size_t>(kMaxScriptFileSize)) {
-    throw Error::ScriptFileRefused(what, "larger than the script size limit");
-  }
-  return ResolveIncludes(std::move(text), path, depth);
+  return ResolveIncludes(ReadScriptFile(real, what), path, depth);
 }
 
 std::string ScriptReader::ResolveIncludes(std::string text,
