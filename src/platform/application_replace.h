@@ -27,11 +27,11 @@
 // killed replacement left: a .new- folder is rolled forward (d, e); an .old-
 // folder without its .new- one is rolled back (its files moved back, the
 // staging folder deleted); a staging folder whose lock is free is deleted;
-// so is a file NAME-of-an-application-file.tmp-<pid>-<n> of a process that
-// no longer runs (an atomic write cut short). Recovery can itself be killed
-// and run again. ApplicationReadLock recovers when something is left and
-// then holds DIR's folder lock shared, so a reader never sees half of a
-// replacement; a host opening an application calls it first.
+// so is the temporary F.tmp-<pid>-<n> of one of the application's files F
+// when process <pid> no longer runs (an atomic write cut short). Recovery
+// can itself be killed and run again. ApplicationReadLock recovers when
+// something is left and then holds DIR's folder lock shared, so a reader never
+// sees half of a replacement; a host opening an application calls it first.
 //
 // The application's files are NAME.rzt, its hook script NAME.rzt.rzx, the
 // data file NAME.rzd with NAME.rzd-wal, -shm and -journal, and the views

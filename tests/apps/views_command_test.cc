@@ -27,6 +27,20 @@
 namespace rz {
 namespace {
 
+// The sample is written into a staging folder that is then switched into
+// place on the real disk; the fake disk still holds the application under
+// its staged name, so it is moved to the template's own here.
+void FollowSwitchIntoPlace(FakeDisk& disk, const std::string& template_path) {
+  for (auto it = disk.begin(); it != disk.end(); ++it) {
+    if (it->first != template_path && it->first.ends_with("/line4.rzt")) {
+      FakeApplication staged = std::move(it->second);
+      disk.erase(it);
+      disk[template_path] = std::move(staged);
+      return;
+    }
+  }
+}
+
 class ViewsCommandTest : public ::testing::Test {
  protected:
   ViewsCommandTest() {
@@ -35,6 +49,7 @@ class ViewsCommandTest : public ::testing::Test {
     options.records = 300;  // 2026-01-05 06:00 to 2026-01-07 about 08:00
     std::ostringstream ignored;
     RunSample(*platform_, options, ignored);
+    FollowSwitchIntoPlace(platform_->Disk(), TemplatePath());
   }
 
   std::string TemplatePath() const { return folder_.File("line4.rzt"); }
