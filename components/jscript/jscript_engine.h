@@ -33,7 +33,13 @@
 // limit is checked while script code runs (not inside a long native call)
 // and cannot be caught by the script; it reports number
 // kTimeoutErrorNumber, "Script timed out". Runaway recursion is error 28
-// "Out of stack space". The heap survives both and stays usable.
+// "Out of stack space", tail calls included (they take a level each, like
+// any call, so `return f(n + 1)` cannot loop for ever). The heap holds at
+// most kMaxJScriptHeapBytes (heap_hooks.h); a script that needs more gets
+// error 7 "Out of memory". The heap survives all three and stays usable.
+// Nothing else leaves AddCode or Run either: a C++ failure on the engine's
+// own side (memory exhausted while keeping the code) lands in LastError as
+// error 7, or 5 with the failure's text.
 //
 // Owns its heap; the toolkit (may be null) must outlive the engine. Not
 // thread-safe; not copyable.
@@ -42,6 +48,7 @@
 #define RZ_JSCRIPT_JSCRIPT_ENGINE_H_
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <set>
@@ -95,6 +102,10 @@ class JScriptEngine : public ScriptEngine {
   // The global names present before any code: never procedures.
   void NoteHostGlobals();
 
+  bool CompileAndRun(std::string_view code);
+  std::optional<Variant> RunProcedureNamed(std::string_view name,
+                                           DispatchArgs& args);
+  void RecordHostFailure(const std::exception& failure);
   // Records the thrown value on top of the stack as the last error.
   // `compile_chunk` is the chunk being compiled, -1 for a runtime error.
   void RecordThrown(std::string_view source, int compile_chunk);
