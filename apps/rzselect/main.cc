@@ -2,12 +2,16 @@
 //
 // rzselect: the command line a user meets first. It runs the selection
 // engine over a Veltmark application. Exit status 0 on success, 1 on an
-// engine error ("error N: description (source)" on stderr), 2 on bad
+// engine error ("error N: description (source)" on stderr; memory running
+// out is "error 7: Out of memory (rzselect)", any other failure of the
+// program itself "error 51: Internal error: ... (rzselect)"), 2 on bad
 // usage.
 
 #include <CLI/CLI.hpp>
+#include <exception>
 #include <iostream>
 #include <memory>
+#include <new>
 
 #include "common/console_toolkit.h"
 #include "common/system_platform.h"
@@ -137,6 +141,14 @@ int main(int argc, char** argv) {
     }
   } catch (const rz::Error& error) {
     std::cerr << error.what() << "\n";
+    return kExitEngineError;
+  } catch (const std::bad_alloc&) {
+    std::cerr << rz::Error::OutOfMemory().WithSource("rzselect").what() << "\n";
+    return kExitEngineError;
+  } catch (const std::exception& failure) {
+    std::cerr
+        << rz::Error::Internal(failure.what()).WithSource("rzselect").what()
+        << "\n";
     return kExitEngineError;
   }
   return 0;
