@@ -35,6 +35,12 @@ bool HeapHooks::CheckExpired() {
   return expired_;
 }
 
+bool HeapHooks::NativeProgress() {
+  constexpr uint32_t kStepsPerClockCheck = 65536;
+  if (++native_steps_ % kStepsPerClockCheck != 0) return false;
+  return CheckExpired();
+}
+
 bool HeapHooks::NativeStackLow() const { return rz::NativeStackLow(); }
 
 bool HeapHooks::TakeCallLookup(const void* receiver) {
@@ -85,6 +91,11 @@ extern "C" int dukx_exec_timeout_check(void* udata) {
 extern "C" int dukx_native_stack_check(void* udata) {
   if (udata == nullptr) return 0;
   return static_cast<rz::HeapHooks*>(udata)->NativeStackLow() ? 1 : 0;
+}
+
+extern "C" int dukx_native_progress(void* udata) {
+  if (udata == nullptr) return 0;
+  return static_cast<rz::HeapHooks*>(udata)->NativeProgress() ? 1 : 0;
 }
 
 extern "C" void dukx_call_lookup(void* udata, void* base) {

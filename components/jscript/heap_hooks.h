@@ -40,6 +40,9 @@ class HeapHooks {
   bool CheckExpired();
   // True when the current stretch ran out of time.
   bool Expired() const { return expired_; }
+  // Called from long loops inside built-ins at every step; looks at the
+  // clock every 65536 steps (CheckExpired) and answers false between.
+  bool NativeProgress();
 
   // The native stack guard: true when the calling thread has less stack
   // left than a safety margin (a quarter of its stack, at most 1 MiB).
@@ -70,6 +73,7 @@ class HeapHooks {
   bool armed_ = false;
   bool expired_ = false;
   const void* call_base_ = nullptr;
+  uint32_t native_steps_ = 0;
   std::chrono::steady_clock::time_point deadline_;
   size_t heap_bytes_ = 0;
   size_t heap_limit_ = kMaxJScriptHeapBytes;

@@ -305,10 +305,11 @@ bool JScriptEngine::CompileAndRun(std::string_view code) {
     return false;
   }
   hooks_.Arm(timeout_ms_);
-  const bool ok = duk_pcall(ctx_, 0) == 0;
+  bool ok = duk_pcall(ctx_, 0) == 0;
   hooks_.Disarm();
   if (!ok) RecordThrown(kJScriptRuntimeError, -1);
   duk_pop(ctx_);
+  if (ok && hooks_.Expired()) ok = RecordCaughtTimeout();
   return ok;
 }
 
@@ -356,12 +357,19 @@ std::optional<Variant> JScriptEngine::RunProcedureNamed(std::string_view name,
   }
   RunRequest request{*procedure, &args, Variant()};
   hooks_.Arm(timeout_ms_);
-  const bool ok = duk_safe_call(ctx_, RunProcedure, &request, 0, 1) == 0;
+  bool ok = duk_safe_call(ctx_, RunProcedure, &request, 0, 1) == 0;
   hooks_.Disarm();
   if (!ok) RecordThrown(kJScriptRuntimeError, -1);
   duk_pop(ctx_);
+  if (ok && hooks_.Expired()) ok = RecordCaughtTimeout();
   if (!ok) return std::nullopt;
   return std::move(request.result);
+}
+
+bool JScriptEngine::RecordCaughtTimeout() {
+  RecordError(kTimeoutErrorNumber, "Script timed out", kJScriptRuntimeError, -1,
+              0);
+  return false;
 }
 
 void JScriptEngine::RecordHostFailure(const std::exception& failure) {

@@ -31,7 +31,8 @@
 // "JScript compilation error" and "JScript runtime error", the line within
 // the code of the AddCode call it came from and that line's text. A time
 // limit is checked while script code runs (not inside a long native call)
-// and cannot be caught by the script; it reports number
+// and cannot be caught by the script (a run that catches it and returns
+// still fails); it reports number
 // kTimeoutErrorNumber, "Script timed out". Runaway recursion is error 28
 // "Out of stack space", tail calls included (they take a level each, like
 // any call, so `return f(n + 1)` cannot loop for ever). The heap holds at
@@ -106,6 +107,9 @@ class JScriptEngine : public ScriptEngine {
   std::optional<Variant> RunProcedureNamed(std::string_view name,
                                            DispatchArgs& args);
   void RecordHostFailure(const std::exception& failure);
+  // A run whose time ran out fails even when the script caught the error
+  // and finished: records the timeout (no line) and answers false.
+  bool RecordCaughtTimeout();
   // Records the thrown value on top of the stack as the last error.
   // `compile_chunk` is the chunk being compiled, -1 for a runtime error.
   void RecordThrown(std::string_view source, int compile_chunk);

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -223,6 +224,32 @@ TEST(JScriptLimits, MemoryRunningOutOnTheHostSideIsAnErrorRecord) {
   ASSERT_TRUE(engine.AddCode("function Fine() { return 1; }"));
   DispatchArgs none;
   EXPECT_EQ(engine.Run("Fine", none), Variant(int32_t{1}));
+}
+
+// Built-ins that loop long without running script code: the time limit
+// stops them too (they once ran for hours whatever the limit).
+TEST(JScriptLimits, TheTimeLimitReachesIntoLongBuiltIns) {
+  const char* hooks[] = {
+      "function Hook() { return new Array(4294967295).join('').length; }",
+      "function Hook() { var a = []; a.length = 2147483647; "
+      "return a.indexOf(1); }",
+      "function Hook() { try { return new Array(4294967295).join(''); } "
+      "catch (e) {} return 'caught'; }",
+      "function Hook() { return /^(a+)+$/.test(new Array(40).join('a') + "
+      "'b'); }",
+  };
+  for (const char* hook : hooks) {
+    JScriptEngine engine(nullptr);
+    engine.SetTimeout(200);
+    ASSERT_TRUE(engine.AddCode(hook)) << hook;
+    DispatchArgs none;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(engine.Run("Hook", none).has_value()) << hook;
+    EXPECT_LT(std::chrono::steady_clock::now() - start,
+              std::chrono::seconds(20))
+        << hook;
+    EXPECT_EQ(engine.LastError().number, kTimeoutErrorNumber) << hook;
+  }
 }
 
 TEST(JScriptLimits, ATimedOutRunLeavesTheGlobalsAndTheNextRun) {

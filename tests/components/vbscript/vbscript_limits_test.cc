@@ -190,7 +190,7 @@ TEST(VBScriptLimits, TextBuiltinsStayLinearOnLongTexts) {
        Variant(int32_t{200000})},
       {"InStr(1, String(200000, \"x\") & \"Y\", \"y\", 1)",
        Variant(int32_t{200001})},
-      {"Len(StrReverse(String(10000000, \"x\")))", Variant(int32_t{10000000})},
+      {"Len(StrReverse(String(1000000, \"x\")))", Variant(int32_t{1000000})},
   };
   for (const Case& c : cases) {
     const auto start = std::chrono::steady_clock::now();
