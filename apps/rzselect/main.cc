@@ -4,16 +4,19 @@
 // engine over a Veltmark application. The commands that read an
 // application hold its folder for reading (ApplicationReadLock: an
 // interrupted replacement is finished first, and none switches files
-// while they read). Exit status 0 on success, 1 on an
-// engine error ("error N: description (source)" on stderr), 2 on bad
-// usage.
+// while they read). Exit status 0 on success, 1 on an engine error
+// ("error N: description (source)" on stderr; memory running out is
+// "error 7: Out of memory (rzselect)", any other failure of the program
+// itself "error 51: Internal error: ... (rzselect)"), 2 on bad usage.
 
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <cstdint>
+#include <exception>
 #include <iostream>
 #include <limits>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "common/console_toolkit.h"
@@ -200,6 +203,14 @@ int main(int argc, char** argv) {
     }
   } catch (const rz::Error& error) {
     std::cerr << error.what() << rz::LookedForText(error) << "\n";
+    return kExitEngineError;
+  } catch (const std::bad_alloc&) {
+    std::cerr << rz::Error::OutOfMemory().WithSource("rzselect").what() << "\n";
+    return kExitEngineError;
+  } catch (const std::exception& failure) {
+    std::cerr
+        << rz::Error::Internal(failure.what()).WithSource("rzselect").what()
+        << "\n";
     return kExitEngineError;
   }
   return 0;

@@ -2,35 +2,15 @@
 
 #include "jscript/heap_hooks.h"
 
-#include <pthread.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
+
+#include "platform/stack_guard.h"
 
 namespace rz {
-namespace {
-
-constexpr size_t kMaxStackMargin = size_t{1} << 20;
-
-// The lowest stack address the interpreter may reach on this thread (the
-// stack grows down); null when the thread's stack cannot be learnt.
-const char* ComputeStackFloor() {
-  pthread_attr_t attributes;
-  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return nullptr;
-  void* low = nullptr;
-  size_t size = 0;
-  const bool known = pthread_attr_getstack(&attributes, &low, &size) == 0;
-  pthread_attr_destroy(&attributes);
-  if (!known || low == nullptr) return nullptr;
-  return static_cast<const char*>(low) + std::min(kMaxStackMargin, size / 4);
-}
-
-const char* StackFloor() {
-  thread_local const char* const floor = ComputeStackFloor();
-  return floor;
-}
-
-}  // namespace
 
 void HeapHooks::Arm(int32_t milliseconds) {
   expired_ = false;
@@ -55,16 +35,48 @@ bool HeapHooks::CheckExpired() {
   return expired_;
 }
 
-bool HeapHooks::NativeStackLow() const {
-  const char* floor = StackFloor();
-  const char* here = static_cast<const char*>(__builtin_frame_address(0));
-  return floor != nullptr && here < floor;
+bool HeapHooks::NativeProgress() {
+  constexpr uint32_t kStepsPerClockCheck = 65536;
+  if (++native_steps_ % kStepsPerClockCheck != 0) return false;
+  return CheckExpired();
 }
+
+bool HeapHooks::NativeStackLow() const { return rz::NativeStackLow(); }
 
 bool HeapHooks::TakeCallLookup(const void* receiver) {
   const bool for_call = call_base_ != nullptr && call_base_ == receiver;
   call_base_ = nullptr;
   return for_call;
+}
+
+// The sizes counted are the allocator's usable sizes, so that freeing a
+// block takes off exactly what allocating it added.
+void* HeapHooks::Allocate(size_t size) {
+  if (size > heap_limit_ - std::min(heap_limit_, heap_bytes_)) return nullptr;
+  void* block = std::malloc(size);
+  if (block != nullptr) heap_bytes_ += malloc_usable_size(block);
+  return block;
+}
+
+void* HeapHooks::Reallocate(void* block, size_t size) {
+  if (block == nullptr) return Allocate(size);
+  if (size == 0) {
+    Free(block);
+    return nullptr;
+  }
+  const size_t old_size = malloc_usable_size(block);
+  const size_t others = heap_bytes_ - old_size;
+  if (size > heap_limit_ - std::min(heap_limit_, others)) return nullptr;
+  void* moved = std::realloc(block, size);
+  if (moved == nullptr) return nullptr;  // the old block stays, counted
+  heap_bytes_ = others + malloc_usable_size(moved);
+  return moved;
+}
+
+void HeapHooks::Free(void* block) {
+  if (block == nullptr) return;
+  heap_bytes_ -= malloc_usable_size(block);
+  std::free(block);
 }
 
 }  // namespace rz
@@ -79,6 +91,11 @@ extern "C" int dukx_exec_timeout_check(void* udata) {
 extern "C" int dukx_native_stack_check(void* udata) {
   if (udata == nullptr) return 0;
   return static_cast<rz::HeapHooks*>(udata)->NativeStackLow() ? 1 : 0;
+}
+
+extern "C" int dukx_native_progress(void* udata) {
+  if (udata == nullptr) return 0;
+  return static_cast<rz::HeapHooks*>(udata)->NativeProgress() ? 1 : 0;
 }
 
 extern "C" void dukx_call_lookup(void* udata, void* base) {

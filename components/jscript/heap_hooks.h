@@ -2,20 +2,30 @@
 //
 // HeapHooks is the per-heap state behind the hooks built into our Duktape:
 // the execution-time check, which stops a script whose time limit has
-// passed, the native stack check, and the call-lookup note, which tells a named
+// passed, the native stack check, the call-lookup note, which tells a named
 // object's proxy that the member it is asked for is about to be called
-// (`obj.Member(...)`) rather than read (`obj.Member`). One HeapHooks is passed
-// as the heap's user data when the heap is created and must outlive the heap;
-// the engine owns both. Nothing here raises. Not thread-safe (one heap, one
-// thread).
+// (`obj.Member(...)`) rather than read (`obj.Member`), and the heap's
+// allocation functions, which keep the heap within a memory limit. One
+// HeapHooks is passed as the heap's user data when the heap is created and
+// must outlive the heap; the engine owns both. Nothing here raises. Not
+// thread-safe (one heap, one thread).
 
 #ifndef RZ_JSCRIPT_HEAP_HOOKS_H_
 #define RZ_JSCRIPT_HEAP_HOOKS_H_
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 
 namespace rz {
+
+// The most memory one JScript heap may hold (256 MiB): room for the largest
+// values a VBScript script may build (a 64 MiB text, an array of 4,194,304
+// elements) and the copies made while building them. An allocation past it
+// fails; Duktape then collects garbage, tries again and, failing still,
+// raises its "alloc failed" error, which the engine reports as error 7
+// "Out of memory".
+inline constexpr size_t kMaxJScriptHeapBytes = size_t{256} << 20;
 
 class HeapHooks {
  public:
@@ -30,6 +40,9 @@ class HeapHooks {
   bool CheckExpired();
   // True when the current stretch ran out of time.
   bool Expired() const { return expired_; }
+  // Called from long loops inside built-ins at every step; looks at the
+  // clock every 65536 steps (CheckExpired) and answers false between.
+  bool NativeProgress();
 
   // The native stack guard: true when the calling thread has less stack
   // left than a safety margin (a quarter of its stack, at most 1 MiB).
@@ -44,11 +57,26 @@ class HeapHooks {
   void SetCallLookup(const void* base) { call_base_ = base; }
   bool TakeCallLookup(const void* receiver);
 
+  // The heap's allocation functions (Duktape's alloc, realloc and free
+  // contracts): null instead of a block that would take the heap past
+  // its limit. Reallocate(null, n) allocates; Reallocate(p, 0) frees and
+  // answers null.
+  void* Allocate(size_t size);
+  void* Reallocate(void* block, size_t size);
+  void Free(void* block);
+  // The bytes the heap holds now.
+  size_t HeapBytes() const { return heap_bytes_; }
+  // Lowers (or raises) the limit; for tests that need not fill 256 MiB.
+  void SetHeapLimit(size_t bytes) { heap_limit_ = bytes; }
+
  private:
   bool armed_ = false;
   bool expired_ = false;
   const void* call_base_ = nullptr;
+  uint32_t native_steps_ = 0;
   std::chrono::steady_clock::time_point deadline_;
+  size_t heap_bytes_ = 0;
+  size_t heap_limit_ = kMaxJScriptHeapBytes;
 };
 
 }  // namespace rz

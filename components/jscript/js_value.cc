@@ -14,6 +14,8 @@
 namespace rz {
 namespace {
 
+// Arrays nested deeper than this do not cross between JScript and the
+// host (either way): converting one recurses once per level.
 constexpr int kMaxArrayDepth = 64;
 // Milliseconds in a day and the day number of 1970-01-01.
 constexpr double kMsPerDay = 86400000.0;
@@ -64,10 +66,10 @@ Variant DateToVariant(duk_context* ctx, duk_idx_t index) {
 
 Variant ToVariantAt(duk_context* ctx, duk_idx_t index, int depth);
 
+Error NestedTooDeep() { return Error(kOutOfStackNumber, "Out of stack space"); }
+
 Variant ArrayToVariant(duk_context* ctx, duk_idx_t index, int depth) {
-  if (depth >= kMaxArrayDepth) {
-    throw Error(kOutOfStackNumber, "Out of stack space");
-  }
+  if (depth >= kMaxArrayDepth) throw NestedTooDeep();
   VariantArray items;
   const duk_size_t length = duk_get_length(ctx, index);
   items.reserve(length);
@@ -127,17 +129,18 @@ void PushObject(duk_context* ctx, const Variant& value) {
   PushDispatchProxy(ctx, std::move(object));
 }
 
-void PushArray(duk_context* ctx, const VariantArray& items) {
+void PushVariantAt(duk_context* ctx, const Variant& value, int depth);
+
+void PushArray(duk_context* ctx, const VariantArray& items, int depth) {
+  if (depth >= kMaxArrayDepth) throw NestedTooDeep();
   const duk_idx_t array = duk_push_array(ctx);
   for (size_t i = 0; i < items.size(); ++i) {
-    PushVariant(ctx, items[i]);
+    PushVariantAt(ctx, items[i], depth + 1);
     duk_put_prop_index(ctx, array, static_cast<duk_uarridx_t>(i));
   }
 }
 
-}  // namespace
-
-void PushVariant(duk_context* ctx, const Variant& value) {
+void PushVariantAt(duk_context* ctx, const Variant& value, int depth) {
   switch (value.Type()) {
     case VariantType::kEmpty:
       duk_push_undefined(ctx);
@@ -165,10 +168,16 @@ void PushVariant(duk_context* ctx, const Variant& value) {
       PushObject(ctx, value);
       return;
     case VariantType::kArray:
-      PushArray(ctx, value.ToArray());
+      PushArray(ctx, value.ToArray(), depth);
       return;
   }
   duk_push_undefined(ctx);
+}
+
+}  // namespace
+
+void PushVariant(duk_context* ctx, const Variant& value) {
+  PushVariantAt(ctx, value, 0);
 }
 
 Variant ToVariant(duk_context* ctx, duk_idx_t index) {

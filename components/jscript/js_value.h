@@ -15,7 +15,8 @@
 // object (a function, a plain object) becomes its text.
 //
 // Both run inside a native function or a protected call: they may throw
-// Duktape errors (and rz::Error 28 for arrays nested more than 64 deep).
+// Duktape errors (and rz::Error 28 for arrays nested more than 64 deep, either
+// way).
 
 #ifndef RZ_JSCRIPT_JS_VALUE_H_
 #define RZ_JSCRIPT_JS_VALUE_H_

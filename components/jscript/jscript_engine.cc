@@ -4,6 +4,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
+#include <new>
 #include <utility>
 
 #include "core/error.h"
@@ -141,6 +143,19 @@ duk_ret_t CollectGlobals(duk_context* ctx, void* udata) {
   return 0;
 }
 
+// Duktape's allocation functions, on the engine's HeapHooks.
+void* HeapAllocate(void* udata, duk_size_t size) {
+  return static_cast<HeapHooks*>(udata)->Allocate(size);
+}
+
+void* HeapReallocate(void* udata, void* block, duk_size_t size) {
+  return static_cast<HeapHooks*>(udata)->Reallocate(block, size);
+}
+
+void HeapFree(void* udata, void* block) {
+  static_cast<HeapHooks*>(udata)->Free(block);
+}
+
 struct RunRequest {
   std::string name;
   const DispatchArgs* args;
@@ -167,8 +182,9 @@ JScriptEngine::JScriptEngine(Toolkit* toolkit) : toolkit_(toolkit) {
 JScriptEngine::~JScriptEngine() { DestroyHeap(); }
 
 void JScriptEngine::CreateHeap() {
-  ctx_ = duk_create_heap(nullptr, nullptr, nullptr, &hooks_, FatalError);
-  if (ctx_ == nullptr) throw Error(7, "Out of memory");
+  ctx_ = duk_create_heap(HeapAllocate, HeapReallocate, HeapFree, &hooks_,
+                         FatalError);
+  if (ctx_ == nullptr) throw Error::OutOfMemory();
   InstallDispatchProxies(ctx_);
   InstallGlobals();
   NoteHostGlobals();
@@ -269,6 +285,15 @@ void JScriptEngine::AddObject(std::string_view name,
 }
 
 bool JScriptEngine::AddCode(std::string_view code) {
+  try {
+    return CompileAndRun(code);
+  } catch (const std::exception& failure) {
+    RecordHostFailure(failure);
+  }
+  return false;
+}
+
+bool JScriptEngine::CompileAndRun(std::string_view code) {
   const int chunk = static_cast<int>(chunks_.size());
   chunks_.emplace_back(code);
   const std::string file_name = ChunkName(chunk);
@@ -280,10 +305,11 @@ bool JScriptEngine::AddCode(std::string_view code) {
     return false;
   }
   hooks_.Arm(timeout_ms_);
-  const bool ok = duk_pcall(ctx_, 0) == 0;
+  bool ok = duk_pcall(ctx_, 0) == 0;
   hooks_.Disarm();
   if (!ok) RecordThrown(kJScriptRuntimeError, -1);
   duk_pop(ctx_);
+  if (ok && hooks_.Expired()) ok = RecordCaughtTimeout();
   return ok;
 }
 
@@ -313,6 +339,16 @@ std::optional<std::string> JScriptEngine::FindProcedure(
 
 std::optional<Variant> JScriptEngine::Run(std::string_view name,
                                           DispatchArgs& args) {
+  try {
+    return RunProcedureNamed(name, args);
+  } catch (const std::exception& failure) {
+    RecordHostFailure(failure);
+  }
+  return std::nullopt;
+}
+
+std::optional<Variant> JScriptEngine::RunProcedureNamed(std::string_view name,
+                                                        DispatchArgs& args) {
   const std::optional<std::string> procedure = FindProcedure(name);
   if (!procedure) {
     RecordError(5009, "'" + std::string(name) + "' is undefined",
@@ -321,12 +357,26 @@ std::optional<Variant> JScriptEngine::Run(std::string_view name,
   }
   RunRequest request{*procedure, &args, Variant()};
   hooks_.Arm(timeout_ms_);
-  const bool ok = duk_safe_call(ctx_, RunProcedure, &request, 0, 1) == 0;
+  bool ok = duk_safe_call(ctx_, RunProcedure, &request, 0, 1) == 0;
   hooks_.Disarm();
   if (!ok) RecordThrown(kJScriptRuntimeError, -1);
   duk_pop(ctx_);
+  if (ok && hooks_.Expired()) ok = RecordCaughtTimeout();
   if (!ok) return std::nullopt;
   return std::move(request.result);
+}
+
+bool JScriptEngine::RecordCaughtTimeout() {
+  RecordError(kTimeoutErrorNumber, "Script timed out", kJScriptRuntimeError, -1,
+              0);
+  return false;
+}
+
+void JScriptEngine::RecordHostFailure(const std::exception& failure) {
+  const Error error = dynamic_cast<const std::bad_alloc*>(&failure) != nullptr
+                          ? Error::OutOfMemory()
+                          : Error::InvalidArgument(failure.what());
+  RecordError(error.Number(), error.Description(), kJScriptRuntimeError, -1, 0);
 }
 
 void JScriptEngine::RecordThrown(std::string_view source, int compile_chunk) {

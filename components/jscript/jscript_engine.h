@@ -31,9 +31,16 @@
 // "JScript compilation error" and "JScript runtime error", the line within
 // the code of the AddCode call it came from and that line's text. A time
 // limit is checked while script code runs (not inside a long native call)
-// and cannot be caught by the script; it reports number
+// and cannot be caught by the script (a run that catches it and returns
+// still fails); it reports number
 // kTimeoutErrorNumber, "Script timed out". Runaway recursion is error 28
-// "Out of stack space". The heap survives both and stays usable.
+// "Out of stack space", tail calls included (they take a level each, like
+// any call, so `return f(n + 1)` cannot loop for ever). The heap holds at
+// most kMaxJScriptHeapBytes (heap_hooks.h); a script that needs more gets
+// error 7 "Out of memory". The heap survives all three and stays usable.
+// Nothing else leaves AddCode or Run either: a C++ failure on the engine's
+// own side (memory exhausted while keeping the code) lands in LastError as
+// error 7, or 5 with the failure's text.
 //
 // Owns its heap; the toolkit (may be null) must outlive the engine. Not
 // thread-safe; not copyable.
@@ -42,6 +49,7 @@
 #define RZ_JSCRIPT_JSCRIPT_ENGINE_H_
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <set>
@@ -95,6 +103,13 @@ class JScriptEngine : public ScriptEngine {
   // The global names present before any code: never procedures.
   void NoteHostGlobals();
 
+  bool CompileAndRun(std::string_view code);
+  std::optional<Variant> RunProcedureNamed(std::string_view name,
+                                           DispatchArgs& args);
+  void RecordHostFailure(const std::exception& failure);
+  // A run whose time ran out fails even when the script caught the error
+  // and finished: records the timeout (no line) and answers false.
+  bool RecordCaughtTimeout();
   // Records the thrown value on top of the stack as the last error.
   // `compile_chunk` is the chunk being compiled, -1 for a runtime error.
   void RecordThrown(std::string_view source, int compile_chunk);

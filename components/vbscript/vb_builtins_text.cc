@@ -73,13 +73,34 @@ Variant MidFn(BuiltinContext&, DispatchArgs& args) {
   return Variant(std::string(rest.substr(0, ByteOffset(rest, count))));
 }
 
-// Finds `needle` in `haystack` from byte `from`, without regard to case when
-// `text_compare`; npos when absent.
-size_t Find(const std::string& haystack, const std::string& needle, size_t from,
-            bool text_compare) {
-  if (!text_compare) return haystack.find(needle, from);
-  return UpperCase(haystack).find(UpperCase(needle), from);
-}
+// A text searched repeatedly for one needle, without regard to case when
+// `text_compare`. Both are folded once, not at every search: folding at
+// every search made Replace and Split quadratic in the text's length.
+// Folding keeps byte offsets (it maps letters to letters of the same
+// encoded length), so offsets found apply to the original text.
+class Searcher {
+ public:
+  Searcher(std::string_view haystack, std::string_view needle,
+           bool text_compare)
+      : haystack_(haystack), needle_(needle) {
+    if (!text_compare) return;
+    folded_haystack_ = UpperCase(haystack);
+    folded_needle_ = UpperCase(needle);
+    haystack_ = folded_haystack_;
+    needle_ = folded_needle_;
+  }
+  Searcher(const Searcher&) = delete;
+  Searcher& operator=(const Searcher&) = delete;
+
+  // The byte offset of the needle at or after `from`; npos when absent.
+  size_t Find(size_t from) const { return haystack_.find(needle_, from); }
+
+ private:
+  std::string folded_haystack_;
+  std::string folded_needle_;
+  std::string_view haystack_;  // the text searched: original or folded
+  std::string_view needle_;
+};
 
 Variant InStrFn(BuiltinContext&, DispatchArgs& args) {
   const bool has_start = args.size() >= 3;
@@ -93,7 +114,8 @@ Variant InStrFn(BuiltinContext&, DispatchArgs& args) {
   if (from >= haystack.size() && !(needle.empty() && from == haystack.size())) {
     return Variant(int32_t{0});
   }
-  const size_t found = Find(haystack, needle, from, TextCompare(args, 3));
+  const size_t found =
+      Searcher(haystack, needle, TextCompare(args, 3)).Find(from);
   if (found == std::string::npos) return Variant(int32_t{0});
   return Variant(CharIndex(haystack, found) + 1);
 }
@@ -127,11 +149,11 @@ Variant ReplaceFn(BuiltinContext&, DispatchArgs& args) {
   if (start < 1 || count < -1) throw Error::InvalidArgument("Replace");
   const std::string rest = text.substr(ByteOffset(text, start - 1));
   if (from.empty()) return Variant(rest);
-  const bool text_compare = TextCompare(args, 5);
+  const Searcher searcher(rest, from, TextCompare(args, 5));
   std::string result;
   size_t pos = 0;
   while (count != 0) {
-    const size_t found = Find(rest, from, pos, text_compare);
+    const size_t found = searcher.Find(pos);
     if (found == std::string::npos) break;
     result.append(rest, pos, found - pos).append(to);
     if (result.size() > kMaxTextLength) throw OutOfStringSpace();
@@ -205,10 +227,10 @@ Variant SplitFn(BuiltinContext&, DispatchArgs& args) {
   VariantArray items;
   if (text.empty() || limit == 0) return Variant(std::move(items));
   if (delimiter.empty()) return Variant(VariantArray{Variant(text)});
-  const bool text_compare = TextCompare(args, 3);
+  const Searcher searcher(text, delimiter, TextCompare(args, 3));
   size_t pos = 0;
   while (limit == -1 || static_cast<int32_t>(items.size()) < limit - 1) {
-    const size_t found = Find(text, delimiter, pos, text_compare);
+    const size_t found = searcher.Find(pos);
     if (found == std::string::npos) break;
     items.emplace_back(text.substr(pos, found - pos));
     if (static_cast<int64_t>(items.size()) >= kMaxArrayElements) {
@@ -256,14 +278,13 @@ Variant ChrFn(BuiltinContext&, DispatchArgs& args) {
 
 Variant StrReverseFn(BuiltinContext&, DispatchArgs& args) {
   const std::string text = args[0].ToString();
-  std::vector<std::string> chars;
+  // Each character's bytes go, in their order, to the mirrored place.
+  std::string reversed(text.size(), '\0');
   for (size_t pos = 0; pos < text.size();) {
     const size_t start = pos;
     utf8::NextChar(text, &pos);
-    chars.push_back(text.substr(start, pos - start));
+    text.copy(reversed.data() + (text.size() - pos), pos - start, start);
   }
-  std::string reversed;
-  for (auto it = chars.rbegin(); it != chars.rend(); ++it) reversed += *it;
   return Variant(std::move(reversed));
 }
 

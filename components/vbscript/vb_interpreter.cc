@@ -10,6 +10,7 @@
 #include <new>
 
 #include "core/text.h"
+#include "platform/stack_guard.h"
 #include "vbscript/vb_errors.h"
 #include "vbscript/vb_interpreter_internal.h"
 #include "vbscript/vb_operators.h"
@@ -148,8 +149,7 @@ Interpreter::Flow Interpreter::ExecBlock(const Block& block) {
     } catch (const std::bad_alloc&) {
       if (!HandleError(OutOfMemory(), *stmt)) throw OutOfMemory();
     } catch (const std::exception& failure) {
-      const Error internal(51,
-                           "Internal error: " + std::string(failure.what()));
+      const Error internal = Error::Internal(failure.what());
       if (!HandleError(internal, *stmt)) throw internal;
     }
     if (flow != Flow::kNormal) return flow;
@@ -334,6 +334,13 @@ Interpreter::Flow Interpreter::ExecWith(const Stmt& stmt) {
 }
 
 std::vector<int32_t> Interpreter::EvalBounds(const DimItem& item) {
+  // Each dimension is a level of nesting that making the array recurses
+  // through.
+  if (item.bounds.size() > kMaxArrayDimensions) {
+    throw Error::SubscriptOutOfRange(item.spelling + ": more than " +
+                                     std::to_string(kMaxArrayDimensions) +
+                                     " dimensions");
+  }
   std::vector<int32_t> bounds;
   int64_t elements = 1;
   for (const ExprPtr& bound : item.bounds) {
@@ -430,7 +437,10 @@ void Interpreter::CheckStack() const {
                       : here < stack_base_
                           ? static_cast<size_t>(stack_base_ - here)
                           : static_cast<size_t>(here - stack_base_);
-  if (frames_.size() >= kMaxCallDepth || used > stack_budget_) {
+  // The budget counts from this run's start; the thread's own floor also
+  // catches runs nested through named objects that call back into scripts.
+  if (frames_.size() >= kMaxCallDepth || used > stack_budget_ ||
+      NativeStackLow()) {
     throw OutOfStackSpace();
   }
 }

@@ -8,8 +8,9 @@
 // On Error Resume Next records the error in Err and the next statement
 // runs; otherwise the error leaves Load/Call and ErrorLine()/ErrorText()
 // name the statement where it happened. ScriptAborted (time limit) is never
-// caught by a script. Recursion is bounded by a call depth and a stack
-// budget (error 28). Not thread-safe.
+// caught by a script. Recursion is bounded by a call depth, a stack budget
+// per run and the thread's own stack floor (error 28), so runs nested
+// through named objects cannot exhaust the stack either. Not thread-safe.
 
 #ifndef RZ_VBSCRIPT_VB_INTERPRETER_H_
 #define RZ_VBSCRIPT_VB_INTERPRETER_H_

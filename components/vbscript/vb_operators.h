@@ -26,6 +26,8 @@ namespace rz::vb {
 inline constexpr size_t kMaxTextLength = size_t{64} << 20;
 // The most elements one array may hold (error 7 beyond).
 inline constexpr int64_t kMaxArrayElements = int64_t{1} << 22;
+// The most dimensions one array may have (error 9 beyond).
+inline constexpr size_t kMaxArrayDimensions = 60;
 
 // Every binary operator except kIs.
 Variant ApplyBinary(BinaryOp op, const Variant& a, const Variant& b);

@@ -96,6 +96,11 @@ bool VBScriptEngine::AddCode(std::string_view code) {
   } catch (const std::bad_alloc&) {
     error_ = {1001, std::string(vb::kCompileSource), "Out of memory", 0, ""};
     return false;
+  } catch (const std::exception& failure) {
+    const Error internal = Error::Internal(failure.what());
+    error_ = {internal.Number(), std::string(vb::kCompileSource),
+              internal.Description(), 0, ""};
+    return false;
   }
   return Execute([&] { interpreter_->Load(std::move(*program)); });
 }
@@ -106,8 +111,16 @@ std::vector<std::string> VBScriptEngine::Procedures() const {
 
 std::optional<Variant> VBScriptEngine::Run(std::string_view name,
                                            DispatchArgs& args) {
-  const vb::Procedure* procedure = interpreter_->FindProcedure(name);
-  if (procedure == nullptr) {
+  bool found = true;
+  Variant result;
+  // Looking the name up is inside the guarded body too: even that can run
+  // out of memory, and nothing may leave the engine but its error record.
+  const bool ok = Execute([&] {
+    const vb::Procedure* procedure = interpreter_->FindProcedure(name);
+    found = procedure != nullptr;
+    if (found) result = interpreter_->Call(*procedure, args);
+  });
+  if (!found) {
     RecordRuntimeError(
         35, "Sub or Function not defined: '" + std::string(name) + "'",
         std::string(vb::kRuntimeSource));
@@ -115,10 +128,7 @@ std::optional<Variant> VBScriptEngine::Run(std::string_view name,
     error_.text.clear();
     return std::nullopt;
   }
-  Variant result;
-  if (!Execute([&] { result = interpreter_->Call(*procedure, args); })) {
-    return std::nullopt;
-  }
+  if (!ok) return std::nullopt;
   return result;
 }
 
@@ -152,7 +162,8 @@ bool VBScriptEngine::Execute(const std::function<void()>& body) {
     RecordRuntimeError(7, vb::RuntimeMessage(7),
                        std::string(vb::kRuntimeSource));
   } catch (const std::exception& failure) {
-    RecordRuntimeError(51, "Internal error: " + std::string(failure.what()),
+    const Error internal = Error::Internal(failure.what());
+    RecordRuntimeError(internal.Number(), internal.Description(),
                        std::string(vb::kRuntimeSource));
   }
   return false;

@@ -76,6 +76,12 @@ Error Error::MemberNotSupported(std::string_view member) {
       438, "Object doesn't support this property or method: " + Quoted(member));
 }
 
+Error Error::OutOfMemory() { return Error(7, "Out of memory"); }
+
+Error Error::Internal(std::string_view what) {
+  return Error(51, "Internal error: " + std::string(what));
+}
+
 Error Error::WrongArgumentCount(std::string_view member) {
   return Error(450,
                "Wrong number of arguments or invalid property assignment: " +

@@ -56,6 +56,11 @@ class Error : public std::runtime_error {
   static Error InvalidUseOfNull();                            // 94
   static Error MemberNotSupported(std::string_view member);   // 438
   static Error WrongArgumentCount(std::string_view member);   // 450
+  // Memory ran out (std::bad_alloc met where it must not escape).
+  static Error OutOfMemory();  // 7
+  // A failure of the program itself that no input should cause: `what`
+  // is the failure's own text.
+  static Error Internal(std::string_view what);  // 51
 
   // A value of the wrong kind for `target` ("variable 3").
   static Error TypeMismatchFor(std::string_view value,

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "core/date_time.h"
 #include "core/dispatch.h"
@@ -40,7 +41,84 @@ std::string DateText(double serial) {
   return FormatDateTime(serial);
 }
 
+// The block behind a shared array: the items and a link for the list of
+// arrays waiting to be freed.
+struct ArrayBox {
+  VariantArray items;
+  ArrayBox* next_dead = nullptr;
+};
+
+// Arrays whose last owner let go while another array of this thread was
+// being freed: a linked list through the boxes themselves, so queueing one
+// never allocates and never fails. Both are trivially destructible, so they
+// stay usable while the thread's other objects are destroyed.
+thread_local ArrayBox* dead_boxes = nullptr;
+thread_local bool freeing_boxes = false;
+
+// Called when the last owner of an array lets go. Freeing an array frees
+// its items; an item that is the last owner of a nested array comes back
+// here, and that array is queued instead of freed inside the outer one. The
+// outermost call frees the queue one array at a time, so the stack stays
+// flat however deep the nesting.
+struct ArrayBoxDeleter {
+  void operator()(ArrayBox* box) const noexcept {
+    box->next_dead = dead_boxes;
+    dead_boxes = box;
+    if (freeing_boxes) return;
+    freeing_boxes = true;
+    while (dead_boxes != nullptr) {
+      ArrayBox* next = dead_boxes;
+      dead_boxes = next->next_dead;
+      delete next;
+    }
+    freeing_boxes = false;
+  }
+};
+
+// Equality of two arrays, level by level through a work list.
+bool SameItems(const VariantArray& first, const VariantArray& second,
+               bool (*same_scalar)(const Variant&, const Variant&)) {
+  std::vector<std::pair<const VariantArray*, const VariantArray*>> pending = {
+      {&first, &second}};
+  while (!pending.empty()) {
+    const auto [left, right] = pending.back();
+    pending.pop_back();
+    if (left == right) continue;
+    if (left->size() != right->size()) return false;
+    for (size_t i = 0; i < left->size(); ++i) {
+      const Variant& a = (*left)[i];
+      const Variant& b = (*right)[i];
+      if (a.IsArray() && b.IsArray()) {
+        pending.emplace_back(&a.ToArray(), &b.ToArray());
+      } else if (!same_scalar(a, b)) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
 }  // namespace
+
+std::shared_ptr<VariantArray> Variant::ShareArray(VariantArray items) {
+  std::shared_ptr<ArrayBox> box(new ArrayBox{std::move(items)},
+                                ArrayBoxDeleter());
+  return std::shared_ptr<VariantArray>(box, &box->items);
+}
+
+Variant::Value Variant::CopyOf(const Value& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) {
+    std::string copy = *text;  // the only copy that can fail
+    return Value(std::in_place_type<std::string>, std::move(copy));
+  }
+  return value;
+}
+
+Variant& Variant::operator=(const Variant& other) {
+  Value copy = CopyOf(other.value_);
+  value_ = std::move(copy);
+  return *this;
+}
 
 bool Variant::IsNumber() const {
   switch (Type()) {
@@ -168,7 +246,7 @@ VariantArray& Variant::MutableArray() {
   if (!IsArray()) throw Error::TypeMismatch(TypeName());
   auto& items = std::get<std::shared_ptr<VariantArray>>(value_);
   // Arrays are values: detach before the first write to a shared copy.
-  if (items.use_count() > 1) items = std::make_shared<VariantArray>(*items);
+  if (items.use_count() > 1) items = ShareArray(VariantArray(*items));
   return *items;
 }
 
@@ -183,7 +261,12 @@ std::string_view Variant::TypeName() const {
 }
 
 bool operator==(const Variant& a, const Variant& b) {
-  if (a.IsArray() && b.IsArray()) return a.ToArray() == b.ToArray();
+  if (a.IsArray() && b.IsArray()) {
+    return SameItems(a.ToArray(), b.ToArray(),
+                     [](const Variant& x, const Variant& y) {
+                       return x.value_ == y.value_;
+                     });
+  }
   return a.value_ == b.value_;
 }
 

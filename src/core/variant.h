@@ -20,7 +20,14 @@
 //     midnight, the time alone on day 0).
 //   - Boolean true is -1 as a number.
 // A Variant is a value: copying it copies the text or array; an Object is
-// shared (its identity is kept).
+// shared (its identity is kept). An array is shared until the first write
+// through MutableArray, so copying one is cheap however deep it is.
+//
+// No operation recurses along nested arrays: destroying an array nested any
+// depth (an array holding an array holding ...) frees the levels one after
+// the other, and equality walks them with a work list, so a script that
+// nests arrays a million deep cannot overflow the stack. A copy that runs
+// out of memory throws std::bad_alloc and leaves both sides as they were.
 
 #ifndef RZ_CORE_VARIANT_H_
 #define RZ_CORE_VARIANT_H_
@@ -64,8 +71,13 @@ class Variant {
   Variant(std::string_view value) : value_(std::string(value)) {}
   Variant(const char* value) : value_(std::string(value)) {}
   Variant(std::shared_ptr<Dispatch> object) : value_(std::move(object)) {}
-  Variant(VariantArray items)
-      : value_(std::make_shared<VariantArray>(std::move(items))) {}
+  Variant(VariantArray items) : value_(ShareArray(std::move(items))) {}
+
+  Variant(const Variant& other) : value_(CopyOf(other.value_)) {}
+  Variant(Variant&& other) noexcept = default;
+  Variant& operator=(const Variant& other);
+  Variant& operator=(Variant&& other) noexcept = default;
+  ~Variant() = default;
 
   static Variant Null() { return Variant(NullTag{}); }
   static Variant Date(double serial) { return Variant(DateTag{serial}); }
@@ -111,14 +123,24 @@ class Variant {
     double serial;
     bool operator==(const DateTag&) const = default;
   };
+  // Order matches VariantType.
+  using Value =
+      std::variant<std::monostate, NullTag, bool, int16_t, int32_t, double,
+                   DateTag, std::string, std::shared_ptr<Dispatch>,
+                   std::shared_ptr<VariantArray>>;
+
   explicit Variant(NullTag tag) : value_(tag) {}
   explicit Variant(DateTag tag) : value_(tag) {}
 
-  // Order matches VariantType.
-  std::variant<std::monostate, NullTag, bool, int16_t, int32_t, double, DateTag,
-               std::string, std::shared_ptr<Dispatch>,
-               std::shared_ptr<VariantArray>>
-      value_;
+  // A shared array whose last owner frees it without recursing into the
+  // arrays it holds (see variant.cc).
+  static std::shared_ptr<VariantArray> ShareArray(VariantArray items);
+  // A copy of `value` made so that a failing text copy throws before any
+  // std::variant is built: the library's variant, told that a text never
+  // leaves it valueless, would otherwise destroy a text it never made.
+  static Value CopyOf(const Value& value);
+
+  Value value_;
 };
 
 // The lenient number reading used for view values and settings: 0 for

@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <new>
+#include <string>
 
 #include "core/dispatch.h"
 #include "core/error.h"
+#include "support/allocation_limit.h"
 #include "support/error_number.h"
 
 namespace rz {
@@ -176,6 +179,72 @@ TEST(VariantTest, ArraysAreValues) {
   b.MutableArray()[0] = 9;
   EXPECT_EQ(a.ToArray()[0], Variant(1));
   EXPECT_EQ(b.ToArray()[0], Variant(9));
+}
+
+// An array holding an array holding ... `depth` levels down to `innermost`.
+Variant Nested(int depth, Variant innermost) {
+  Variant value = std::move(innermost);
+  for (int i = 0; i < depth; ++i) value = Variant(VariantArray{value});
+  return value;
+}
+
+// Far deeper than any thread's stack could unwind recursively.
+constexpr int kVeryDeep = 1000000;
+
+TEST(VariantTest, DeeplyNestedArraysAreFreedWithoutRecursion) {
+  {
+    Variant deep = Nested(kVeryDeep, Variant("bottom"));
+    deep = Variant();  // freed by assignment
+  }
+  {
+    Variant deep = Nested(kVeryDeep, Variant(1));
+    Variant holder(VariantArray{deep, deep});
+    deep = Variant();
+    // Two owners of the inner levels; the holder frees them at scope end.
+  }
+  {
+    // A shared inner part outlives the outer levels.
+    Variant inner = Nested(10, Variant("kept"));
+    { Variant outer = Nested(kVeryDeep, inner); }
+    const Variant* cell = &inner;
+    for (int i = 0; i < 10; ++i) cell = &cell->ToArray()[0];
+    EXPECT_EQ(*cell, Variant("kept"));
+  }
+}
+
+TEST(VariantTest, EqualityOfDeeplyNestedArraysDoesNotRecurse) {
+  const Variant a = Nested(kVeryDeep, Variant(1));
+  EXPECT_EQ(a, Nested(kVeryDeep, Variant(1)));
+  EXPECT_NE(a, Nested(kVeryDeep, Variant(2)));      // differs at the bottom
+  EXPECT_NE(a, Nested(kVeryDeep - 1, Variant(1)));  // one level short
+  EXPECT_EQ(a, a);
+}
+
+TEST(VariantTest, CopyOfADeepArrayDetachesOneLevelAtATime) {
+  const Variant original = Nested(kVeryDeep, Variant(1));
+  Variant copy = original;
+  copy.MutableArray()[0] = Variant("changed");
+  EXPECT_EQ(copy.ToArray()[0], Variant("changed"));
+  EXPECT_TRUE(original.ToArray()[0].IsArray());
+}
+
+TEST(VariantTest, ACopyThatRunsOutOfMemoryLeavesBothSidesIntact) {
+  const std::string text(1 << 20, 'x');
+  const Variant source(text);
+  Variant target(int32_t{5});
+  Variant same_kind("short");
+  {
+    AllocationLimit limit(1 << 19);
+    EXPECT_THROW(Variant copy(source), std::bad_alloc);
+    EXPECT_THROW(target = source, std::bad_alloc);
+    EXPECT_THROW(same_kind = source, std::bad_alloc);
+    EXPECT_THROW(VariantArray(3, source), std::bad_alloc);
+  }
+  EXPECT_EQ(source, Variant(text));
+  EXPECT_EQ(target, Variant(int32_t{5}));
+  EXPECT_EQ(same_kind, Variant("short"));
+  target = source;
+  EXPECT_EQ(target, source);
 }
 
 }  // namespace
