@@ -81,8 +81,9 @@ TEST(ReadmeTryItTest, EveryCommandRunsAsWritten) {
   TempFolder tmp;
   for (std::string command : commands) {
     const std::string as_written = command;
-    ReplaceAll(command, kBuiltRzselect, RZSELECT_PATH);
+    // /tmp first: the build folder itself may lie below /tmp.
     ReplaceAll(command, "/tmp/", tmp.File(""));
+    ReplaceAll(command, kBuiltRzselect, RZSELECT_PATH);
     const CliResult run =
         RunShell("cd '" + checkout.File("") + "' && " + command);
     EXPECT_EQ(run.status, 0) << as_written << "\n" << run.out << run.err;
