@@ -3,10 +3,12 @@
 #include "rzselect/commands.h"
 
 #include <filesystem>
+#include <functional>
 #include <iterator>
 #include <system_error>
 
 #include "core/error.h"
+#include "core/text.h"
 #include "platform/app_file.h"
 #include "platform/application_replace.h"
 #include "platform/file_system.h"
@@ -48,6 +50,28 @@ void Report(std::ostream& out, std::string_view template_path,
   out << "\n";
 }
 
+// Writes the new application into the staging folder of `replacement`
+// through `write` (given the staged template path). An error that names a
+// staged file names the file the user asked for instead: the staging
+// folder is the program's own business.
+void WriteStaged(const ApplicationReplacement& replacement,
+                 std::string_view template_path,
+                 const std::function<void(const std::string&)>& write) {
+  const std::string staged = replacement.StagedTemplatePath();
+  try {
+    write(staged);
+  } catch (const Error& error) {
+    const std::string staged_folder = ParentFolder(staged);
+    const std::string folder = ParentFolder(template_path);
+    Error named(error.Number(),
+                Replace(error.Description(), staged_folder, folder),
+                error.Source());
+    throw error.File().empty()
+        ? named
+        : named.WithFile(Replace(error.File(), staged_folder, folder));
+  }
+}
+
 }  // namespace
 
 void RunSample(Platform& platform, const SampleOptions& options,
@@ -58,14 +82,16 @@ void RunSample(Platform& platform, const SampleOptions& options,
   if (!options.force) RefuseExistingApplication(template_path);
   MakeFolder(options.folder);
   ApplicationReplacement replacement(template_path);
-  const std::string staged = replacement.StagedTemplatePath();
   const NewApplication application =
       GenerateSample(options.records, options.seed);
-  std::shared_ptr<AppFile> file = platform.CreateAppFile();
-  WriteNewApplication(*file, application, staged, false);
-  // The engine holds its platform by shared pointer; this one outlives it.
-  WriteSampleViews(std::shared_ptr<Platform>(&platform, [](Platform*) {}),
-                   staged);
+  WriteStaged(replacement, template_path, [&](const std::string& staged) {
+    std::shared_ptr<AppFile> file = platform.CreateAppFile();
+    WriteNewApplication(*file, application, staged, false);
+    // The engine holds its platform by shared pointer; this one outlives
+    // it.
+    WriteSampleViews(std::shared_ptr<Platform>(&platform, [](Platform*) {}),
+                     staged);
+  });
   replacement.Commit();
   Report(out, template_path, application);
   out << "Wrote " << std::size(kSampleViewNames) << " views ("
@@ -90,9 +116,10 @@ void RunImport(Platform& platform, const ImportOptions& options,
   const NewApplication application =
       ApplicationFromCsv(records, options.csv_path, title);
   ApplicationReplacement replacement(template_path);
-  std::shared_ptr<AppFile> file = platform.CreateAppFile();
-  WriteNewApplication(*file, application, replacement.StagedTemplatePath(),
-                      false);
+  WriteStaged(replacement, template_path, [&](const std::string& staged) {
+    std::shared_ptr<AppFile> file = platform.CreateAppFile();
+    WriteNewApplication(*file, application, staged, false);
+  });
   replacement.Commit();
   Report(out, template_path, application);
 }

@@ -319,17 +319,27 @@ void RunViews(Platform& platform, const ViewsOptions& options,
   }
   engine->SetFilename(options.template_path);
   std::vector<ViewLine> lines;
+  std::optional<Error> initialize_error;
   try {
     engine->Initialize();
-  } catch (const Error&) {
+  } catch (const Error& error) {
     // With the application open, the default view's line shows the
     // failure below (a failed reset to the default view fails every view
     // the same way); without a default view to show it, it ends the
     // command.
     if (!IsOpen(*engine) || !HasDefaultView(*engine->RZaccess())) throw;
+    initialize_error = error;
   }
   for (int32_t i = 1; i <= engine->RZaccess()->Views().Count(); ++i) {
     lines.push_back(LoadLine(*engine, i));
+  }
+  // A failure of Initialize that loading the default view does not meet
+  // again (a bad setting of the application itself) ends the command.
+  if (initialize_error &&
+      std::none_of(lines.begin(), lines.end(), [](const ViewLine& line) {
+        return line.is_default && line.error;
+      })) {
+    throw *initialize_error;
   }
   engine->ReleaseObject();
   if (options.format == "json") {
