@@ -134,6 +134,11 @@ std::string ReadBinaryFile(std::string_view path) {
   const std::string normalized = NormalizePath(path);
   const int fd = ::open(normalized.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) throw ReadError(errno, path);
+  // Closes the file however the read ends (a failed reserve included).
+  struct Closer {
+    int fd;
+    ~Closer() { ::close(fd); }
+  } closer{fd};
   std::string bytes;
   struct stat info;
   if (::fstat(fd, &info) == 0 && info.st_size > 0) {
@@ -146,13 +151,10 @@ std::string ReadBinaryFile(std::string_view path) {
     if (count == 0) break;
     if (count < 0) {
       if (errno == EINTR) continue;
-      const int error_number = errno;
-      ::close(fd);
-      throw ReadError(error_number, path);
+      throw ReadError(errno, path);
     }
     bytes.append(buffer, static_cast<size_t>(count));
   }
-  ::close(fd);
   return bytes;
 }
 
