@@ -2,7 +2,6 @@
 
 #include "engine/rzselect.h"
 
-#include <algorithm>
 
 #include "core/error.h"
 #include "core/text.h"
@@ -11,6 +10,7 @@
 #include "platform/platform.h"
 #include "platform/repository.h"
 #include "platform/trace.h"
+#include "script/engine_hook.h"
 #include "script/hook_timeout.h"
 #include "view/view_defaults.h"
 #include "view/view_file.h"
@@ -195,7 +195,10 @@ bool RZselect::CheckSecurity(const std::string& RZFunction) {
 Variant RZselect::GetScriptModules() {
   TraceMethod("GetScriptModules", kStarted);
   std::vector<std::string> names;
-  if (state_->AppFile) names = scripts_->ScriptModules(HookFiles());
+  if (state_->AppFile) {
+    names = scripts_->ScriptModules(
+        EngineHookFiles(state_->AppFile.get(), state_->Filename));
+  }
   VariantArray list = {Variant(static_cast<int32_t>(names.size()))};
   for (std::string& name : names) list.emplace_back(std::move(name));
   TraceMethod("GetScriptModules", kEnded);
@@ -245,30 +248,12 @@ void RZselect::RefuseOtherApplicationToScripts(
   }
 }
 
-HookScriptFiles RZselect::HookFiles() const {
-  HookScriptFiles files;
-  files.system_folder = SystemFolder();
-  if (state_->AppFile) files.application_folder = state_->AppFile->AppFolder();
-  files.filename = state_->Filename;
-  return files;
-}
-
 std::string RZselect::RunHook(std::string_view procedure,
                               std::shared_ptr<Dispatch> engine,
                               std::shared_ptr<Dispatch> repository) {
-  HookObjects objects;
-  objects.engine = engine;
-  objects.repository = std::move(repository);
-  // "RZfile" is the application of the engine handed over, when it has one.
-  if (engine) {
-    try {
-      const Variant app_file = engine->Get("RZaccess");
-      if (app_file.IsObject()) objects.app_file = app_file.ToObject();
-    } catch (const Error&) {
-      // An object without an application: no "RZfile".
-    }
-  }
-  return scripts_->RunHook(procedure, HookFiles(), objects);
+  return RunEngineHook(*scripts_, procedure, std::move(engine),
+                       std::move(repository), state_->AppFile.get(),
+                       state_->Filename);
 }
 
 void RZselect::ReleaseObject() {
@@ -282,25 +267,23 @@ std::shared_ptr<RZselect> RZselect::SelfRef() const {
 }
 
 void RZselect::AddEventHandler(RZselectEvents* handler) {
-  if (handler == nullptr) throw Error::ObjectNotSet("event handler");
-  handlers_.push_back(handler);
+  handlers_.Add(handler);
 }
 
 void RZselect::RemoveEventHandler(RZselectEvents* handler) {
-  handlers_.erase(std::remove(handlers_.begin(), handlers_.end(), handler),
-                  handlers_.end());
+  handlers_.Remove(handler);
 }
 
 void RZselect::RaiseOpenDataSource(bool& cancel) {
-  for (RZselectEvents* handler : handlers_) handler->OpenDataSource(cancel);
+  handlers_.RaiseOpenDataSource(cancel);
 }
 
 void RZselect::RaiseWriteDataSource(bool& cancel) {
-  for (RZselectEvents* handler : handlers_) handler->WriteDataSource(cancel);
+  handlers_.RaiseWriteDataSource(cancel);
 }
 
 void RZselect::RaiseCloseDataSource(bool& cancel) {
-  for (RZselectEvents* handler : handlers_) handler->CloseDataSource(cancel);
+  handlers_.RaiseCloseDataSource(cancel);
 }
 
 void RZselect::TraceMethod(std::string_view procedure,

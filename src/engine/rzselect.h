@@ -39,7 +39,7 @@
 #include <vector>
 
 #include "core/dispatch.h"
-#include "engine/rzselect_events.h"
+#include "platform/rzselect_events.h"
 #include "platform/script_reachable.h"
 #include "script/script_host.h"
 #include "view/view_file.h"
@@ -302,15 +302,13 @@ class RZselect : public Dispatch, public ScriptReachable {
   // it is not a number of seconds), else none.
   int32_t HookTimeout() const;
 
-  // The hook files of the open application.
-  HookScriptFiles HookFiles() const;
   // Runs a hook with the engine, its application and `repository`.
   std::string RunHook(std::string_view procedure,
                       std::shared_ptr<Dispatch> engine,
                       std::shared_ptr<Dispatch> repository);
 
   std::shared_ptr<ViewState> state_;
-  std::vector<RZselectEvents*> handlers_;
+  EventHandlerList handlers_;
   std::unique_ptr<ScriptHost> scripts_;
   std::optional<int32_t> host_hook_timeout_;
   std::string script_home_;  // the application open when a script started
