@@ -6,6 +6,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <utility>
 #include <set>
 #include <string_view>
 
@@ -190,25 +191,8 @@ TableCell TableCellOf(const Variant& value, int32_t field,
   return cell;
 }
 
-// One line of separated values: the header (names) or a record.
-template <typename PutValue>
-void WriteDelimited(Repository& repository, std::ostream& out, char separator,
-                    DateTimeColumns columns, PutValue put) {
-  RepositoryFieldList& fields = repository.Fields();
-  const int32_t field_count = fields.Count();
-  for (int32_t f = 1; f <= field_count; ++f) {
-    if (f > 1) out << separator;
-    put(fields.Item(f)->Name(), out);
-  }
-  out << '\n';
-  const int32_t record_count = repository.RecordCount();
-  for (int32_t r = 1; r <= record_count; ++r) {
-    for (int32_t f = 1; f <= field_count; ++f) {
-      if (f > 1) out << separator;
-      put(CellText(repository.Value(r, f), f, columns), out);
-    }
-    out << '\n';
-  }
+void PutTsvValue(std::string_view text, std::ostream& out) {
+  out << Escaped(text, true);
 }
 
 struct TableColumn {
@@ -257,34 +241,121 @@ std::vector<std::string> JsonKeys(Repository& repository) {
   return keys;
 }
 
+RecordWriter::RecordWriter(TextFormat format, std::ostream& out,
+                           DateTimeColumns columns)
+    : format_(format), out_(out), columns_(columns) {
+  if (format == TextFormat::kTable) {
+    throw Error::InvalidArgument(
+        "a table needs every record before its first line; write it with "
+        "WriteRecords");
+  }
+}
+
+void RecordWriter::Begin(Repository& repository) {
+  field_count_ = repository.Fields().Count();
+  records_written_ = 0;
+  switch (format_) {
+    case TextFormat::kCsv:
+    case TextFormat::kTsv: {
+      RepositoryFieldList& fields = repository.Fields();
+      for (int32_t f = 1; f <= field_count_; ++f) {
+        if (f > 1) out_ << Separator();
+        PutValue(fields.Item(f)->Name());
+      }
+      out_ << '\n';
+      break;
+    }
+    case TextFormat::kJson:
+      out_ << '[';
+      [[fallthrough]];
+    case TextFormat::kJsonLines:
+      keys_ = JsonKeys(repository);
+      break;
+    case TextFormat::kTable:
+      break;
+  }
+}
+
+void RecordWriter::Write(Repository& repository, int32_t record) {
+  if (format_ == TextFormat::kCsv || format_ == TextFormat::kTsv) {
+    for (int32_t f = 1; f <= field_count_; ++f) {
+      if (f > 1) out_ << Separator();
+      PutValue(CellText(repository.Value(record, f), f, columns_));
+    }
+    out_ << '\n';
+  } else {
+    Json object = Json::object();
+    for (int32_t f = 1; f <= field_count_; ++f) {
+      const Variant value = repository.Value(record, f);
+      const auto date_time = DateTimeColumnText(value, f, columns_);
+      object[keys_[static_cast<size_t>(f - 1)]] =
+          date_time ? Json(*date_time) : JsonValue(value);
+    }
+    if (format_ == TextFormat::kJson) {
+      out_ << (records_written_ == 0 ? "\n" : ",\n");
+    }
+    out_ << object.dump(-1, ' ', false, Json::error_handler_t::replace);
+    if (format_ == TextFormat::kJsonLines) out_ << '\n';
+  }
+  ++records_written_;
+}
+
+void RecordWriter::End() {
+  if (format_ == TextFormat::kJson) {
+    out_ << (records_written_ == 0 ? "]\n" : "\n]\n");
+  }
+}
+
+char RecordWriter::Separator() const {
+  return format_ == TextFormat::kCsv ? ',' : '\t';
+}
+
+void RecordWriter::PutValue(std::string_view text) {
+  if (format_ == TextFormat::kCsv) {
+    PutCsvValue(text, out_);
+  } else {
+    PutTsvValue(text, out_);
+  }
+}
+
+std::optional<TextFormat> TextFormatNamed(std::string_view name) {
+  static constexpr std::pair<std::string_view, TextFormat> kNames[] = {
+      {"csv", TextFormat::kCsv},     {"tsv", TextFormat::kTsv},
+      {"json", TextFormat::kJson},   {"jsonl", TextFormat::kJsonLines},
+      {"table", TextFormat::kTable},
+  };
+  for (const auto& [text, format] : kNames) {
+    if (text == name) return format;
+  }
+  return std::nullopt;
+}
+
+void WriteRecords(TextFormat format, Repository& repository, std::ostream& out,
+                  DateTimeColumns columns) {
+  if (format == TextFormat::kTable) {
+    WriteTable(repository, out, columns);
+    return;
+  }
+  RecordWriter writer(format, out, columns);
+  writer.Begin(repository);
+  const int32_t record_count = repository.RecordCount();
+  for (int32_t r = 1; r <= record_count; ++r) writer.Write(repository, r);
+  writer.End();
+}
+
 void WriteCsv(Repository& repository, std::ostream& out,
               DateTimeColumns columns) {
-  WriteDelimited(repository, out, ',', columns, PutCsvValue);
+  WriteRecords(TextFormat::kCsv, repository, out, columns);
 }
 
 void WriteTsv(Repository& repository, std::ostream& out,
               DateTimeColumns columns) {
-  WriteDelimited(repository, out, '\t', columns,
-                 [](std::string_view text, std::ostream& stream) {
-                   stream << Escaped(text, true);
-                 });
+  WriteRecords(TextFormat::kTsv, repository, out, columns);
 }
 
 void WriteJsonLines(Repository& repository, std::ostream& out,
                     DateTimeColumns columns) {
-  const std::vector<std::string> keys = JsonKeys(repository);
-  const int32_t field_count = static_cast<int32_t>(keys.size());
-  const int32_t record_count = repository.RecordCount();
-  for (int32_t r = 1; r <= record_count; ++r) {
-    Json record = Json::object();
-    for (int32_t f = 1; f <= field_count; ++f) {
-      const Variant value = repository.Value(r, f);
-      const auto date_time = DateTimeColumnText(value, f, columns);
-      record[keys[static_cast<size_t>(f - 1)]] =
-          date_time ? Json(*date_time) : JsonValue(value);
-    }
-    out << record.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
-  }
+  WriteRecords(TextFormat::kJsonLines, repository, out, columns);
 }
 
 void WriteTable(Repository& repository, std::ostream& out,

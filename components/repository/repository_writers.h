@@ -1,9 +1,12 @@
 // Copyright 2026 The Veltmark authors.
 //
-// Writers of a repository's records as text: CSV, TSV, JSON lines and an
-// aligned table for a terminal. Each writes a header of field names (JSON
-// lines: the keys) and then one line per record, 1..RecordCount(), with
-// "\n" line ends, to the stream it is given. They read only cells that
+// Writers of a repository's records as text: CSV, TSV, a JSON array of
+// objects, JSON lines and an aligned table for a terminal. Each writes a
+// header of field names (JSON: the keys) and then one line per record,
+// 1..RecordCount(), with "\n" line ends, to the stream it is given.
+// RecordWriter writes records one at a time as a run in event mode hands
+// them over (every format but the table, which needs all records for its
+// widths). They read only cells that
 // exist, so they never grow the store; the repository is taken by
 // non-const reference only because Repository's cell reader is non-const.
 //
@@ -43,8 +46,11 @@
 #ifndef RZ_REPOSITORY_REPOSITORY_WRITERS_H_
 #define RZ_REPOSITORY_REPOSITORY_WRITERS_H_
 
+#include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/repository.h"
@@ -54,6 +60,37 @@ namespace rz {
 struct DateTimeColumns {
   bool first_two_are_date_time = false;
 };
+
+enum class TextFormat { kCsv, kTsv, kJson, kJsonLines, kTable };
+
+// "csv", "tsv", "json", "jsonl", "table"; nullopt for any other name.
+std::optional<TextFormat> TextFormatNamed(std::string_view name);
+
+// Writes records one at a time: Begin (the header, from the fields as they
+// are then), Write for each record in order, End. Error 5 from the
+// constructor for the table.
+class RecordWriter {
+ public:
+  RecordWriter(TextFormat format, std::ostream& out, DateTimeColumns columns);
+  void Begin(Repository& repository);
+  void Write(Repository& repository, int32_t record);
+  void End();
+
+ private:
+  char Separator() const;
+  void PutValue(std::string_view text);
+
+  TextFormat format_;
+  std::ostream& out_;
+  DateTimeColumns columns_;
+  int32_t field_count_ = 0;
+  int64_t records_written_ = 0;
+  std::vector<std::string> keys_;
+};
+
+// Every record of `repository` in `format`.
+void WriteRecords(TextFormat format, Repository& repository, std::ostream& out,
+                  DateTimeColumns columns = {});
 
 void WriteCsv(Repository& repository, std::ostream& out,
               DateTimeColumns columns = {});

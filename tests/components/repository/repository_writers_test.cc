@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "core/error.h"
 #include "repository/result_repository.h"
 
 namespace rz {
@@ -101,6 +102,57 @@ TEST_F(RepositoryWritersTest, TableAlignsNumbersRightAndTextsLeft) {
             "2006-10-11  06:00:00  True          0.1  back\\slash  1E+20\n");
 }
 
+TEST_F(RepositoryWritersTest, JsonArrayHoldsTheJsonLinesSeparatedByCommas) {
+  std::ostringstream json;
+  WriteRecords(TextFormat::kJson, repository_, json, DateTimeColumns{true});
+  std::string lines = Written(WriteJsonLines, true);
+  lines.pop_back();  // the last line end
+  for (size_t at = 0; (at = lines.find('\n', at)) != std::string::npos;
+       at += 2) {
+    lines.insert(at, ",");
+  }
+  EXPECT_EQ(json.str(), "[\n" + lines + "\n]\n");
+}
+
+// A run in event mode rewrites record 1 for every output record: the
+// streamed text must equal the text of all records written at once.
+TEST_F(RepositoryWritersTest, StreamedRecordsReadLikeAWholeRepository) {
+  for (TextFormat format : {TextFormat::kCsv, TextFormat::kTsv,
+                            TextFormat::kJson, TextFormat::kJsonLines}) {
+    std::ostringstream whole;
+    WriteRecords(format, repository_, whole, DateTimeColumns{true});
+    ResultRepository working;
+    for (int32_t f = 1; f <= repository_.Fields().Count(); ++f) {
+      working.Fields().Add(repository_.Fields().Item(f)->Name(), 1, 10, 0, 0);
+    }
+    std::ostringstream streamed;
+    RecordWriter writer(format, streamed, DateTimeColumns{true});
+    writer.Begin(working);
+    for (int32_t r = 1; r <= repository_.RecordCount(); ++r) {
+      for (int32_t f = 1; f <= repository_.Fields().Count(); ++f) {
+        working.SetValue(1, f, repository_.Value(r, f));
+      }
+      writer.Write(working, 1);
+    }
+    writer.End();
+    EXPECT_EQ(streamed.str(), whole.str()) << static_cast<int>(format);
+  }
+}
+
+TEST(RepositoryWritersEdgeTest, FormatNamesAndTheTableRefusesToStream) {
+  EXPECT_EQ(TextFormatNamed("jsonl"), TextFormat::kJsonLines);
+  EXPECT_EQ(TextFormatNamed("table"), TextFormat::kTable);
+  EXPECT_EQ(TextFormatNamed("CSV"), std::nullopt);
+  EXPECT_EQ(TextFormatNamed(""), std::nullopt);
+  std::ostringstream out;
+  try {
+    RecordWriter writer(TextFormat::kTable, out, {});
+    FAIL() << "a table cannot be streamed";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Number(), 5);
+  }
+}
+
 TEST(RepositoryWritersEdgeTest, DuplicateKeysNeverCollide) {
   ResultRepository repository;
   for (const char* name : {"Name", "Name", "Name#2", "", ""}) {
@@ -154,9 +206,12 @@ TEST(RepositoryWritersEdgeTest, EmptyRepositoriesWriteOnlyWhatTheyHave) {
   std::ostringstream csv;
   WriteCsv(repository, csv);
   EXPECT_EQ(csv.str(), "A,\"B,C\"\n");
+  std::ostringstream json_lines;
+  WriteJsonLines(repository, json_lines);
+  EXPECT_EQ(json_lines.str(), "");
   std::ostringstream json;
-  WriteJsonLines(repository, json);
-  EXPECT_EQ(json.str(), "");
+  WriteRecords(TextFormat::kJson, repository, json);
+  EXPECT_EQ(json.str(), "[]\n");
   EXPECT_EQ(repository.RecordCount(), 0);  // writing never grows the store
 }
 
