@@ -27,6 +27,9 @@ class ConsoleToolkit : public Toolkit {
   // Standard input and error; interactive when both are terminals.
   ConsoleToolkit();
 
+  // True when a person answers on the terminal.
+  bool Interactive() const { return interactive_; }
+
   MessageAnswer MessageBox(std::string_view title, std::string_view text,
                            MessageIcon icon, MessageButtons buttons) override;
   std::string InputBox(std::string_view prompt, std::string_view title,

@@ -19,6 +19,7 @@
 #include "platform/script_engine.h"
 #include "platform/trace_sink.h"
 #include "rzselect/script_commands.h"
+#include "rzselect/stopped_clock.h"
 #include "script/hook_timeout.h"
 #include "view/date_range.h"
 #include "view/view_file.h"
@@ -26,36 +27,6 @@
 
 namespace rz {
 namespace {
-
-// The platform with its clock stopped at a given moment, so that views
-// resolve their ranges as of that moment; everything else is the base
-// platform's.
-class StoppedClockPlatform : public Platform {
- public:
-  StoppedClockPlatform(Platform& base, double now) : base_(base), now_(now) {}
-
-  std::shared_ptr<AppFile> CreateAppFile() override {
-    return base_.CreateAppFile();
-  }
-  std::shared_ptr<Repository> CreateRepository() override {
-    return base_.CreateRepository();
-  }
-  std::shared_ptr<InputFileReader> CreateInputFileReader() override {
-    return base_.CreateInputFileReader();
-  }
-  std::unique_ptr<ScriptEngine> CreateScriptEngine() override {
-    return base_.CreateScriptEngine();
-  }
-  std::unique_ptr<TraceSink> FindTraceSink() noexcept override {
-    return base_.FindTraceSink();
-  }
-  Toolkit& UserInterface() override { return base_.UserInterface(); }
-  double Now() override { return now_; }
-
- private:
-  Platform& base_;
-  double now_;
-};
 
 // One line of the listing.
 struct ViewLine {
@@ -273,13 +244,6 @@ void WriteJson(const std::vector<ViewLine>& lines, std::ostream& out) {
   out << views.dump(2, ' ', false, Json::error_handler_t::replace) << "\n";
 }
 
-double AsOf(Platform& platform, const std::string& text) {
-  if (text.empty()) return platform.Now();
-  const std::optional<double> moment = ParseDateTime(text);
-  if (!moment) throw Error::TypeMismatchFor(text, "a moment (--as-of)");
-  return *moment;
-}
-
 bool IsOpen(RZselect& engine) {
   const std::shared_ptr<AppFile> file = engine.RZaccess();
   return file && file->ApplicationExists();
@@ -310,9 +274,8 @@ void RunViews(Platform& platform, const ViewsOptions& options,
     throw Error::InvalidArgument("--format " + options.format +
                                  " (table or json)");
   }
-  auto clock = std::make_shared<StoppedClockPlatform>(
-      platform, AsOf(platform, options.as_of));
-  std::shared_ptr<RZselect> engine = RZselect::Create(clock);
+  std::shared_ptr<RZselect> engine =
+      RZselect::Create(PlatformAsOf(platform, options.as_of));
   if (!options.hook_timeout.empty()) {
     engine->SetHookTimeout(
         HookTimeoutMilliseconds(options.hook_timeout, "", kHookTimeoutOption));
