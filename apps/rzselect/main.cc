@@ -25,6 +25,7 @@
 #include "engine/rzselect.h"
 #include "platform/application_replace.h"
 #include "rzselect/commands.h"
+#include "rzselect/run_command.h"
 #include "rzselect/script_commands.h"
 #include "rzselect/views_command.h"
 #include "script/hook_timeout.h"
@@ -150,6 +151,51 @@ void AddScriptCommands(CLI::App& app, rz::ScriptCommandOptions& options) {
   }
 }
 
+// The options `run` and `export` share.
+void AddViewRunOptions(CLI::App& command, rz::ViewRunOptions& options) {
+  command.add_option("APP.rzt", options.template_path, "The application")
+      ->required();
+  command.add_option("--view", options.view,
+                     "The view: its name or its number in `rzselect views` "
+                     "(default: the application's default view)");
+  command.add_option("--as-of", options.as_of,
+                     "Resolve the range as of \"yyyy-mm-dd hh:mm:ss\" "
+                     "(default: now)");
+  command.add_option("--param", options.params,
+                     "Answer the run-time question of filter row ROW "
+                     "(ROW=VALUE; repeatable)");
+  command.add_flag("--no-hooks", options.no_hooks,
+                   "Do not run the application's hook scripts");
+  AddHookTimeout(command, options.hook_timeout);
+}
+
+void AddRun(CLI::App& app, rz::RunOptions& options) {
+  CLI::App* run = app.add_subcommand("run", "Run a view and write its result");
+  AddViewRunOptions(*run, options);
+  run->add_option("--format", options.format,
+                  "table, csv, tsv, json or jsonl")
+      ->default_val("table")
+      ->check(CLI::IsMember({"table", "csv", "tsv", "json", "jsonl"}));
+  run->add_option("-o,--output", options.output,
+                  "Write to FILE (replaced only when the run succeeds)");
+  run->add_flag("--events", options.events,
+                "Write each record as the run delivers it (event mode)");
+  run->add_flag("--quiet", options.quiet, "Show no progress");
+}
+
+void AddExport(CLI::App& app, rz::ExportOptions& options) {
+  CLI::App* export_command = app.add_subcommand(
+      "export", "Run a view and save its result as a new application");
+  AddViewRunOptions(*export_command, options);
+  export_command
+      ->add_option("--to", options.target,
+                   "The new application's template (NEW.rzt)")
+      ->required();
+  export_command->add_flag("--force", options.force,
+                           "Replace an application already at --to");
+  export_command->add_flag("--quiet", options.quiet, "Show no progress");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -169,6 +215,10 @@ int main(int argc, char** argv) {
   AddViews(app, views_options);
   rz::ScriptCommandOptions script_options;
   AddScriptCommands(app, script_options);
+  rz::RunOptions run_options;
+  rz::ExportOptions export_options;
+  AddRun(app, run_options);
+  AddExport(app, export_options);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -183,6 +233,14 @@ int main(int argc, char** argv) {
       rz::RunSample(platform, sample_options, std::cout);
     } else if (app.got_subcommand("import")) {
       rz::RunImport(platform, import_options, std::cout);
+    } else if (app.got_subcommand("run")) {
+      run_options.interactive = toolkit.Interactive();
+      const rz::ApplicationReadLock reading(run_options.template_path);
+      rz::RunViewCommand(platform, run_options, std::cout);
+    } else if (app.got_subcommand("export")) {
+      export_options.interactive = toolkit.Interactive();
+      const rz::ApplicationReadLock reading(export_options.template_path);
+      rz::RunExportCommand(platform, export_options, std::cout);
     } else if (app.got_subcommand("views")) {
       const rz::ApplicationReadLock reading(views_options.template_path);
       rz::RunViews(platform, views_options, std::cout);
@@ -201,6 +259,9 @@ int main(int argc, char** argv) {
     } else {
       std::cout << app.help();
     }
+  } catch (const rz::UsageError& error) {
+    std::cerr << "rzselect: " << error.what() << "\n";
+    return kExitUsage;
   } catch (const rz::Error& error) {
     std::cerr << error.what() << rz::LookedForText(error) << "\n";
     return kExitEngineError;

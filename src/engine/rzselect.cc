@@ -10,6 +10,8 @@
 #include "platform/platform.h"
 #include "platform/repository.h"
 #include "platform/trace.h"
+#include "output/repository_export.h"
+#include "run/run_driver.h"
 #include "script/engine_hook.h"
 #include "script/hook_timeout.h"
 #include "view/view_defaults.h"
@@ -126,6 +128,7 @@ Error RZselect::NotOpenedError() const {
 void RZselect::LoadView(const std::string& ViewName) {
   TraceMethod("LoadView", "LoadView=" + ViewName);
   RequireApplication("LoadView");
+  RefuseDuringRun("LoadView");
   SetDefaults(*state_);
   FillStatisticsCatalogue(*state_);
   LoadFromView(*state_, ViewName, ViewHooks());
@@ -158,9 +161,15 @@ void RZselect::Show(std::shared_ptr<Repository> DataSource,
 void RZselect::Refresh(std::shared_ptr<Repository> DataSource, bool FireEvent) {
   TraceMethod("Refresh", kStarted);
   RequireApplication("Refresh");
-  (void)DataSource;
-  (void)FireEvent;
-  throw Error::NotAvailableYet("Refresh", "the run");
+  RefuseDuringRun("Refresh");
+  if (!DataSource) throw Error::ObjectNotSet("DataSource");
+  state_->DataSource = std::move(DataSource);
+  {
+    const RunInProgress running(run_in_progress_);
+    ExecuteCurrentView(RunContext{*state_, *scripts_, handlers_}, FireEvent);
+  }
+  state_->Cancel = false;
+  TraceMethod("Refresh", kEnded);
 }
 
 void RZselect::SaveRepository(std::shared_ptr<Repository> DataSource,
@@ -168,8 +177,18 @@ void RZselect::SaveRepository(std::shared_ptr<Repository> DataSource,
   TraceMethod("SaveRepository", kStarted);
   RequireApplication("SaveRepository");
   if (!DataSource) throw Error::NoApplication("SaveRepository");
-  (void)Filename;
-  throw Error::NotAvailableYet("SaveRepository", "the repository export");
+  RefuseDuringRun("SaveRepository");
+  ExportRepository(*state_, *DataSource, Filename);
+  TraceMethod("SaveRepository", kEnded);
+}
+
+void RZselect::RefuseDuringRun(std::string_view method) const {
+  if (run_in_progress_) {
+    throw Error::InvalidArgument("a run is in progress: " +
+                                 std::string(method) +
+                                 " cannot be called until it ends")
+        .WithSource("RZSelect." + std::string(method));
+  }
 }
 
 bool RZselect::CheckSecurity(const std::string& RZFunction) {

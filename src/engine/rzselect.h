@@ -214,7 +214,8 @@ class RZselect : public Dispatch, public ScriptReachable {
   // force.
   void Initialize(bool RunFromRZ = false);
   // Resets to defaults and reads the named view; error 0x80040001 when
-  // its file is missing (the engine stays usable).
+  // its file is missing (the engine stays usable), 5 while a run is in
+  // progress.
   void LoadView(const std::string& ViewName);
   // Writes the current view under ViewName, beside `Filename` when given,
   // else beside the application.
@@ -222,11 +223,13 @@ class RZselect : public Dispatch, public ScriptReachable {
   // Opens the view wizard on the given tab. Error 81 before Initialize.
   void Show(std::shared_ptr<Repository> DataSource,
             rzSelectTabs MyGotoTab = SelectTabViews);
-  // Runs the current view into DataSource; events only with FireEvent.
-  // Error 81 before Initialize. Cancel is false afterwards.
+  // Runs the current view into DataSource (which the engine keeps);
+  // events only with FireEvent. Error 81 before Initialize, 91 without a
+  // repository, 5 while a run is in progress (from an event handler or a
+  // hook: the running one goes on). Cancel is false afterwards.
   void Refresh(std::shared_ptr<Repository> DataSource, bool FireEvent = false);
   // Exports a repository as a new application file. Error 81 before
-  // Initialize or without a repository.
+  // Initialize or without a repository, 5 while a run is in progress.
   void SaveRepository(std::shared_ptr<Repository> DataSource,
                       const std::string& Filename);
   // True when the user may use the function. An unsecured function is
@@ -286,7 +289,21 @@ class RZselect : public Dispatch, public ScriptReachable {
  private:
   explicit RZselect(std::shared_ptr<Platform> platform);
 
+  // Marks a run in progress for its lifetime (also when the run fails).
+  class RunInProgress {
+   public:
+    explicit RunInProgress(bool& flag) : flag_(flag) { flag_ = true; }
+    ~RunInProgress() { flag_ = false; }
+    RunInProgress(const RunInProgress&) = delete;
+    RunInProgress& operator=(const RunInProgress&) = delete;
+
+   private:
+    bool& flag_;
+  };
+
   static int16_t FlagValue(bool value) { return value ? -1 : 0; }
+  // Error 5 naming `method` while a run is in progress.
+  void RefuseDuringRun(std::string_view method) const;
   void TraceMethod(std::string_view procedure, std::string_view message);
   void RequireApplication(std::string_view method) const;
   // The error 53 of an Initialize that found no application at Filename:
@@ -312,6 +329,7 @@ class RZselect : public Dispatch, public ScriptReachable {
   std::unique_ptr<ScriptHost> scripts_;
   std::optional<int32_t> host_hook_timeout_;
   std::string script_home_;  // the application open when a script started
+  bool run_in_progress_ = false;
 };
 
 }  // namespace rz
