@@ -14,6 +14,7 @@
 #include "run/run_driver.h"
 #include "script/engine_hook.h"
 #include "script/hook_timeout.h"
+#include "ui/splash_model.h"
 #include "view/view_defaults.h"
 #include "view/view_file.h"
 
@@ -178,7 +179,10 @@ void RZselect::SaveRepository(std::shared_ptr<Repository> DataSource,
   RequireApplication("SaveRepository");
   if (!DataSource) throw Error::NoApplication("SaveRepository");
   RefuseDuringRun("SaveRepository");
-  ExportRepository(*state_, *DataSource, Filename);
+  SplashModel splash(state_->platform->UserInterface());
+  if (state_->DisplayPacifier) splash.Show();
+  ExportRepository(*state_, *DataSource, Filename, splash);
+  splash.Close();
   TraceMethod("SaveRepository", kEnded);
 }
 

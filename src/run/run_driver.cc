@@ -165,7 +165,6 @@ class Run {
       events_.RaiseOpenDataSource(cancel);
       if (cancel) return RunExit::kCancelled;
     }
-    Log("Start Extracting Data...");
     if (ExtractRecords(state_, layout_, fire_event_, events_, splash_)) {
       return RunExit::kCancelled;
     }

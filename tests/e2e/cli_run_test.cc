@@ -58,8 +58,8 @@ TEST_F(RunCommandTest, ViewsGiveTheResultsWorkedOutByHand) {
       {"detail with a bracketed filter using Or and LIKE",
        {"Filtered",
         {kDate, kTime, Numeric("Weight", 3, 0, 2, 0), Text("Line", 4, 1)},
-        {R"("NONE","(",4,"=","A","")", R"("OR","",5,"LIKE","*a*",")")",
-         R"("AND","",3,">","10","")"}},
+        {R"w("NONE","(",4,"=","A","")w", R"w("OR","",5,"LIKE","*a*",")")w",
+         R"w("AND","",3,">","10","")w"}},
        "Date,Time,Weight,Line\n"
        "2024-03-01,14:00:00,14,C\n"
        "2024-03-02,06:00:00,11,A\n"
@@ -120,7 +120,7 @@ TEST_F(RunCommandTest, ViewsGiveTheResultsWorkedOutByHand) {
        {"Excluding",
         {kDate, kTime, Numeric("Weight", 3, 0, 2, 0), Text("Spare", 6, 1),
          Text("Comments", 6, 1)},
-        {R"("NONE","",4,"=","A","")"},
+        {R"w("NONE","",4,"=","A","")w"},
         0,
         "00:00:00",
         0,
@@ -135,7 +135,7 @@ TEST_F(RunCommandTest, ViewsGiveTheResultsWorkedOutByHand) {
       {"detail time between events in minutes and a count",
        {"Events",
         {kDate, kTime, Numeric("Gap", 3, 3, 8, 2), Numeric("Has", 3, 1, 1, 0)},
-        {R"("NONE","",1,"=","2024-03-01","")"}},
+        {R"w("NONE","",1,"=","2024-03-01","")w"}},
        "Date,Time,Gap,Has\n"
        "2024-03-01,06:00:00,,1\n"
        "2024-03-01,07:00:00,60,1\n"
@@ -154,7 +154,7 @@ TEST_F(RunCommandTest, ViewsGiveTheResultsWorkedOutByHand) {
 
 TEST_F(RunCommandTest, RunTimeQuestionsAreAnsweredByParamOrStopTheCommand) {
   View asking{"Asking", {kDate, kTime, Text("Line", 4, 1)},
-              {R"("NONE","",4,"=","?","")"}};
+              {R"w("NONE","",4,"=","?","")w"}};
   MakeApplication({asking});
   const CliResult answered = Run("Asking", {"--param", "1=B"});
   EXPECT_EQ(answered.status, 0) << answered.err;
@@ -192,7 +192,7 @@ TEST_F(RunCommandTest, AnAtValueIsReadFromItsInputFile) {
 }
 
 TEST_F(RunCommandTest, ABeforeOpenHookAnsweringSkipreadLeavesOnlyTheFields) {
-  View plain{"Plain", {kDate, kTime, Text("Line", 4, 1)}};
+  View plain{"Plain", {kDate, kTime, Text("Line", 4, 1)}, {}};
   MakeApplication({plain});
   WriteFile(App() + ".rzx",
             "Function RZ_BeforeOpenView()\r\n"
@@ -274,8 +274,8 @@ TEST_F(RunCommandTest, AnExportedResultRunsAsAnApplication) {
 }
 
 TEST_F(RunCommandTest, BadViewsAndOptionsEndWithNumberedErrors) {
-  View missing{"Missing", {kDate, kTime, Numeric("Gone", 9, 0, 2, 0)}};
-  View unbalanced{"Unbalanced", {kDate, kTime}, {R"("NONE","(",4,"=","A","")"}};
+  View missing{"Missing", {kDate, kTime, Numeric("Gone", 9, 0, 2, 0)}, {}};
+  View unbalanced{"Unbalanced", {kDate, kTime}, {R"w("NONE","(",4,"=","A","")w"}};
   MakeApplication({missing, unbalanced});
   const CliResult gone = Run("Missing");
   EXPECT_EQ(gone.status, 1);
