@@ -74,7 +74,8 @@ std::string ViewLabel(const ViewState& state) {
 
 // Fills PromptValues from "ROW=VALUE" answers; an empty VALUE is "NULL",
 // as an empty answer in the dialog is.
-void AnswerParameters(ViewState& state, const std::vector<std::string>& params) {
+void AnswerParameters(ViewState& state,
+                      const std::vector<std::string>& params) {
   WhereTypes& where = *state.Where;
   const int32_t rows = where.Count();
   state.PromptValues.resize(static_cast<size_t>(rows));
@@ -116,8 +117,8 @@ void RequireAnswers(ViewState& state) {
     const std::string number = std::to_string(row);
     throw UsageError("filter row " + number + " of " + ViewLabel(state) +
                      " asks for a value at run time:\n" +
-                     PromptMessage(state, row) +
-                     "\nanswer it with --param " + number + "=VALUE");
+                     PromptMessage(state, row) + "\nanswer it with --param " +
+                     number + "=VALUE");
   }
 }
 
@@ -126,8 +127,7 @@ void RequireAnswers(ViewState& state) {
 class OutputFile {
  public:
   explicit OutputFile(const std::string& path)
-      : path_(path),
-        temporary_(path + ".tmp-" + std::to_string(::getpid())) {
+      : path_(path), temporary_(path + ".tmp-" + std::to_string(::getpid())) {
     stream_.open(temporary_, std::ios::binary | std::ios::trunc);
     if (!stream_) throw FileWriteError(errno, path_);
   }
@@ -191,7 +191,8 @@ class StreamingOutput : public RZselectEvents {
   bool begun_ = false;
 };
 
-void WriteResult(RZselect& engine, const std::shared_ptr<Repository>& repository,
+void WriteResult(RZselect& engine,
+                 const std::shared_ptr<Repository>& repository,
                  TextFormat format, bool events, std::ostream& out) {
   if (!events) {
     engine.Refresh(repository, false);

@@ -31,9 +31,7 @@ std::unique_ptr<TraceSink> StoppedClockPlatform::FindTraceSink() noexcept {
   return base_.FindTraceSink();
 }
 
-Toolkit& StoppedClockPlatform::UserInterface() {
-  return base_.UserInterface();
-}
+Toolkit& StoppedClockPlatform::UserInterface() { return base_.UserInterface(); }
 
 double AsOf(Platform& platform, const std::string& text) {
   if (text.empty()) return platform.Now();
@@ -44,8 +42,7 @@ double AsOf(Platform& platform, const std::string& text) {
 
 std::shared_ptr<Platform> PlatformAsOf(Platform& platform,
                                        const std::string& text) {
-  return std::make_shared<StoppedClockPlatform>(platform,
-                                                AsOf(platform, text));
+  return std::make_shared<StoppedClockPlatform>(platform, AsOf(platform, text));
 }
 
 }  // namespace rz

@@ -2,15 +2,14 @@
 
 #include "engine/rzselect.h"
 
-
 #include "core/error.h"
 #include "core/text.h"
+#include "output/repository_export.h"
 #include "platform/app_file.h"
 #include "platform/file_system.h"
 #include "platform/platform.h"
 #include "platform/repository.h"
 #include "platform/trace.h"
-#include "output/repository_export.h"
 #include "run/run_driver.h"
 #include "script/engine_hook.h"
 #include "script/hook_timeout.h"
@@ -188,9 +187,9 @@ void RZselect::SaveRepository(std::shared_ptr<Repository> DataSource,
 
 void RZselect::RefuseDuringRun(std::string_view method) const {
   if (run_in_progress_) {
-    throw Error::InvalidArgument("a run is in progress: " +
-                                 std::string(method) +
-                                 " cannot be called until it ends")
+    throw Error::InvalidArgument(
+        "a run is in progress: " + std::string(method) +
+        " cannot be called until it ends")
         .WithSource("RZSelect." + std::string(method));
   }
 }

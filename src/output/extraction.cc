@@ -111,7 +111,8 @@ class Extraction {
     if (columns_[i].DisplayFormat.empty()) {
       if (!HasValue(value)) return Variant("");
       const int32_t length = i < lengths_.size() ? lengths_[i] : 0;
-      return Variant(Trim(LeftCharacters(Trim(value.ToString()) + " ", length)));
+      return Variant(
+          Trim(LeftCharacters(Trim(value.ToString()) + " ", length)));
     }
     if (!HasValue(value)) return Variant("");
     return Variant(Format(value, masks_[i]));
@@ -120,8 +121,8 @@ class Extraction {
   // --- Summary mode ---
 
   std::optional<int32_t> Summaries() {
-    progress_.SetMessage(prefix_ +
-                         "Loading Veltmark Data - Summarizing - Please Wait...");
+    progress_.SetMessage(
+        prefix_ + "Loading Veltmark Data - Summarizing - Please Wait...");
     progress_.YieldToUser();
     file_.SetSummarize(true);
     file_.SummaryKeys().Reset();
@@ -164,16 +165,16 @@ class Extraction {
         file_.ColumnStatistics().Item(column.SourceVariable), column.Statistic);
     delivery_.SetCell(output_record_, static_cast<int32_t>(i + 1),
                       Written(i, value));
-    const bool group_ends = i + 1 == columns_.size() ||
-                            columns_[i + 1].PivotVariable != column.PivotVariable;
+    const bool group_ends =
+        i + 1 == columns_.size() ||
+        columns_[i + 1].PivotVariable != column.PivotVariable;
     if (column.PivotVariable >= 1 && group_ends) {
       double work = 0;
       Restrict(0, "", work);
     }
   }
 
-  static Variant SummaryValue(const ColumnStatistic& statistics,
-                              int16_t code) {
+  static Variant SummaryValue(const ColumnStatistic& statistics, int16_t code) {
     if (code == -1) return statistics[Stat::FirstValue];
     if (code >= 0 && code <= 22) return statistics[kSummaryStatistics[code]];
     if (code < kAvgTbeMinutes || code > kAvgTbeDays) return Variant("");

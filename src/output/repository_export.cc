@@ -25,11 +25,11 @@ constexpr std::string_view kProcedure = "SaveRepositoryAs";
 // The attributes a new variable takes from its field, in the order they
 // are set after the limits, MAX and MIN.
 constexpr Attr kCopied[] = {
-    Attr::kExtra,    Attr::kCategory,  Attr::kCompData, Attr::kHelpFile,
-    Attr::kInput,    Attr::kKeyId,     Attr::kLimitMethod, Attr::kLookup,
-    Attr::kOutput,   Attr::kPopup,     Attr::kRange,    Attr::kRelation,
-    Attr::kReportType, Attr::kRequired, Attr::kSample,  Attr::kTargetMethod,
-    Attr::kUnits,    Attr::kUcase};
+    Attr::kExtra,      Attr::kCategory, Attr::kCompData,    Attr::kHelpFile,
+    Attr::kInput,      Attr::kKeyId,    Attr::kLimitMethod, Attr::kLookup,
+    Attr::kOutput,     Attr::kPopup,    Attr::kRange,       Attr::kRelation,
+    Attr::kReportType, Attr::kRequired, Attr::kSample,      Attr::kTargetMethod,
+    Attr::kUnits,      Attr::kUcase};
 
 // The header of a new application, in the order the items are set.
 void SetHeader(AppFile& target, const Repository& source, AppFile& open) {
@@ -42,16 +42,17 @@ void SetHeader(AppFile& target, const Repository& source, AppFile& open) {
   target.SetSpecialVariable3(2);
   const Variant items[] = {Variant(""), Variant(""), Variant(""),
                            Variant(int32_t{0}), Variant("")};
-  for (int i = 0; i < 5; ++i) target.SetHeaderItem(HeaderItemKey(i + 1), items[i]);
+  for (int i = 0; i < 5; ++i)
+    target.SetHeaderItem(HeaderItemKey(i + 1), items[i]);
   target.SetFileSetting3(open.FileSetting3());
   target.SetFileSetting1(open.FileSetting1());
   target.SetFileSetting2(open.FileSetting2());
   target.SetHeaderItem(HeaderItemKey(6), Variant(int16_t{0}));
-  const Variant further[] = {Variant(""), Variant(int32_t{0}),
-                             Variant(int32_t{0}), Variant(""), Variant(""),
+  const Variant further[] = {Variant(""),         Variant(int32_t{0}),
                              Variant(int32_t{0}), Variant(""),
-                             Variant(int32_t{0}), Variant(int32_t{0}),
-                             Variant("")};
+                             Variant(""),         Variant(int32_t{0}),
+                             Variant(""),         Variant(int32_t{0}),
+                             Variant(int32_t{0}), Variant("")};
   for (int i = 0; i < 10; ++i) {
     target.SetHeaderItem(HeaderItemKey(7 + i), further[i]);
   }
@@ -69,9 +70,9 @@ void AddVariables(AppFile& target, Repository& source) {
       target.Variables().Add(field.Name(), "T", 8, 0);
       continue;
     }
-    std::shared_ptr<FieldDefinition> v = target.Variables().Add(
-        field.Name(), TypeLetter(field.FieldType()), field.Length(),
-        field.Decimals());
+    std::shared_ptr<FieldDefinition> v =
+        target.Variables().Add(field.Name(), TypeLetter(field.FieldType()),
+                               field.Length(), field.Decimals());
     for (int l = 0; l < kLimitCount; ++l) {
       const RepositoryLimit& limit = field.Limit(static_cast<LimitKind>(l));
       v->SetLimit(static_cast<LimitKind>(l),
@@ -79,7 +80,8 @@ void AddVariables(AppFile& target, Repository& source) {
     }
     v->Set(Attr::kMax, field.Attribute(Attr::kMax));
     v->Set(Attr::kMin, field.Attribute(Attr::kMin));
-    for (Attr attribute : kCopied) v->Set(attribute, field.Attribute(attribute));
+    for (Attr attribute : kCopied)
+      v->Set(attribute, field.Attribute(attribute));
     v->Set(Attr::kPosition, Variant(k));
     v->Set(Attr::kXref, field.Attribute(Attr::kXref));
     v->Set(Attr::kRules, Variant(field.RuleKeys()));
@@ -127,8 +129,10 @@ void ExportRepository(ViewState& state, Repository& source,
     progress.SetMessage(filename + "\r\nSaving Veltmark Data - Record " +
                         std::to_string(r));
     progress.YieldToUser();
-    if (fields >= 1) target->SetValue(1, Variant(Format(source.Value(r, 1), date_mask)));
-    if (fields >= 2) target->SetValue(2, Variant(Format(source.Value(r, 2), time_mask)));
+    if (fields >= 1)
+      target->SetValue(1, Variant(Format(source.Value(r, 1), date_mask)));
+    if (fields >= 2)
+      target->SetValue(2, Variant(Format(source.Value(r, 2), time_mask)));
     for (int32_t k = 3; k <= fields; ++k) {
       const Variant x = source.Value(r, k);
       const std::string& letter = letters[static_cast<size_t>(k - 1)];

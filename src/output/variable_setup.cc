@@ -23,20 +23,18 @@ constexpr std::string_view kTimeUnits = "TIME[";
 
 // The attributes copied as they are, in the order they are copied; MAX, the
 // limits and MIN go between TARGETMETHOD and EXTRA.
-constexpr Attr kCopiedBefore[] = {Attr::kXref,     Attr::kSample,
-                                  Attr::kReportType, Attr::kUcase,
-                                  Attr::kRequired, Attr::kInput,
-                                  Attr::kOutput,   Attr::kLimitMethod,
-                                  Attr::kTargetMethod};
-constexpr Attr kCopiedAfter[] = {
-    Attr::kExtra,  Attr::kPopup, Attr::kLookup, Attr::kCompData,
-    Attr::kKeyId,  Attr::kRange, Attr::kRelation, Attr::kCalc,
-    Attr::kUnits,  Attr::kCategory, Attr::kHelpFile};
+constexpr Attr kCopiedBefore[] = {
+    Attr::kXref,   Attr::kSample,      Attr::kReportType,
+    Attr::kUcase,  Attr::kRequired,    Attr::kInput,
+    Attr::kOutput, Attr::kLimitMethod, Attr::kTargetMethod};
+constexpr Attr kCopiedAfter[] = {Attr::kExtra,    Attr::kPopup,   Attr::kLookup,
+                                 Attr::kCompData, Attr::kKeyId,   Attr::kRange,
+                                 Attr::kRelation, Attr::kCalc,    Attr::kUnits,
+                                 Attr::kCategory, Attr::kHelpFile};
 
 const FieldDefinition& DefinitionOf(ViewState& state,
                                     const ResultColumn& column) {
-  return *state.ResultField->Items()[static_cast<size_t>(column.FieldIndex -
-                                                         1)]
+  return *state.ResultField->Items()[static_cast<size_t>(column.FieldIndex - 1)]
               ->RZfield();
 }
 
@@ -47,15 +45,16 @@ bool FormatInUnits(const std::string& units, std::string_view marker,
   const size_t at = UpperCase(units).find(marker);
   if (at == std::string::npos) return false;
   const size_t begin = at + marker.size();
-  format = begin < units.size() ? units.substr(begin, units.size() - begin - 1)
-                                : "";
+  format =
+      begin < units.size() ? units.substr(begin, units.size() - begin - 1) : "";
   return true;
 }
 
 void CopyDefinition(const FieldDefinition& v, const ResultFieldType& field,
                     RepositoryField& f, Repository& repository) {
   f.SetRawField(field.RawField());
-  for (Attr attribute : kCopiedBefore) f.SetAttribute(attribute, v.Get(attribute));
+  for (Attr attribute : kCopiedBefore)
+    f.SetAttribute(attribute, v.Get(attribute));
   f.SetAttribute(Attr::kMax, Variant(ToNumber(v.Get(Attr::kMax))));
   for (int k = 0; k < kLimitCount; ++k) {
     const Limit& limit = v.GetLimit(static_cast<LimitKind>(k));
@@ -64,7 +63,8 @@ void CopyDefinition(const FieldDefinition& v, const ResultFieldType& field,
     target.value = limit.value;
   }
   f.SetAttribute(Attr::kMin, Variant(ToNumber(v.Get(Attr::kMin))));
-  for (Attr attribute : kCopiedAfter) f.SetAttribute(attribute, v.Get(attribute));
+  for (Attr attribute : kCopiedAfter)
+    f.SetAttribute(attribute, v.Get(attribute));
   for (char rule : v.Text(Attr::kRules)) {
     f.AddRule(*repository.RuleCatalogue().Item(std::string(1, rule)));
   }
@@ -120,8 +120,8 @@ void ReconcileReferences(ViewState& state, const ResultLayout& columns) {
     const bool pop = upper.find("@POP[") != std::string::npos;
     if (!pop && upper.find("@XBAR[") == std::string::npos) continue;
     const int16_t statistic =
-        state.ResultField->Items()[static_cast<size_t>(columns[i].FieldIndex -
-                                                       1)]
+        state.ResultField
+            ->Items()[static_cast<size_t>(columns[i].FieldIndex - 1)]
             ->Statistic();
     std::string list;
     for (const std::string& item : ExpandReferenceList(calc)) {

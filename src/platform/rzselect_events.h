@@ -3,12 +3,12 @@
 // RZselectEvents is the outgoing interface of RZselect: a host that wants
 // records one by one implements it and registers with
 // RZselect::AddEventHandler; EventHandlerList is the engine's list of
-// registered handlers, which the run raises the events through. Events are raised synchronously on the
-// host's thread while Refresh runs with FireEvent true, never otherwise.
-// Each takes the run's cancel flag by reference, false on the first
-// event; setting it to true in OpenDataSource or WriteDataSource ends the
-// run. A handler must not call back into the engine (other than reading
-// the repository).
+// registered handlers, which the run raises the events through. Events are
+// raised synchronously on the host's thread while Refresh runs with FireEvent
+// true, never otherwise. Each takes the run's cancel flag by reference, false
+// on the first event; setting it to true in OpenDataSource or WriteDataSource
+// ends the run. A handler must not call back into the engine (other than
+// reading the repository).
 
 #ifndef RZ_PLATFORM_RZSELECT_EVENTS_H_
 #define RZ_PLATFORM_RZSELECT_EVENTS_H_

@@ -129,8 +129,8 @@ void BuildFilter(ViewState& state) {
         static_cast<size_t>(i) <= state.PromptValues.size()
             ? state.PromptValues[static_cast<size_t>(i - 1)]
             : row->Value();
-    conditions.Add(row->AndOr(), row->Par1(), row->Variable(),
-                   row->Condition(), value, row->Par2());
+    conditions.Add(row->AndOr(), row->Par1(), row->Variable(), row->Condition(),
+                   value, row->Par2());
   }
   for (int32_t i = 1; i <= conditions.Count(); ++i) {
     const Condition c = conditions.Item(i);

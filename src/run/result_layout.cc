@@ -68,8 +68,8 @@ std::string PivotColumnName(const std::string& name, const std::string& value) {
   return name.substr(0, star) + value + name.substr(star + 1);
 }
 
-void AppendPivotColumns(ViewState& state, int16_t index,
-                        ResultFieldType& field, ResultLayout& layout) {
+void AppendPivotColumns(ViewState& state, int16_t index, ResultFieldType& field,
+                        ResultLayout& layout) {
   AppFile& file = *state.AppFile;
   file.SummaryCursor().Reset();
   file.SortKeys().Reset();
@@ -189,8 +189,7 @@ ResultLayout DetermineResultingVariables(ViewState& state,
     column.ColumnName = field.RZfield()->Name();
     layout.push_back(std::move(column));
   }
-  Log(state, kProcedure,
-      "ResultFieldsCount=" + std::to_string(layout.size()));
+  Log(state, kProcedure, "ResultFieldsCount=" + std::to_string(layout.size()));
   DecideReadOnly(state, layout);
   return layout;
 }

@@ -6,6 +6,8 @@
 // of kRecords (the day starts at 06:00, shifts are 8 hours), not by the
 // code under test.
 
+#include "e2e/cli_run.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,7 +16,6 @@
 #include <string>
 #include <vector>
 
-#include "e2e/cli_run.h"
 #include "e2e/test_application.h"
 
 #ifndef RZ_EXAMPLE_DIR
@@ -35,8 +36,8 @@ class RunCommandTest : public ::testing::Test {
   std::string App() const { return folder_.File("cells.rzt"); }
 
   CliResult Run(const std::string& view, std::vector<std::string> extra = {}) {
-    std::vector<std::string> args = {"run", App(), "--view", view, "--format",
-                                     "csv"};
+    std::vector<std::string> args = {"run", App(),      "--view",
+                                     view,  "--format", "csv"};
     args.insert(args.end(), extra.begin(), extra.end());
     return RunRzselect(args);
   }
@@ -153,7 +154,8 @@ TEST_F(RunCommandTest, ViewsGiveTheResultsWorkedOutByHand) {
 }
 
 TEST_F(RunCommandTest, RunTimeQuestionsAreAnsweredByParamOrStopTheCommand) {
-  View asking{"Asking", {kDate, kTime, Text("Line", 4, 1)},
+  View asking{"Asking",
+              {kDate, kTime, Text("Line", 4, 1)},
               {R"w("NONE","",4,"=","?","")w"}};
   MakeApplication({asking});
   const CliResult answered = Run("Asking", {"--param", "1=B"});
@@ -182,9 +184,10 @@ TEST_F(RunCommandTest, RunTimeQuestionsAreAnsweredByParamOrStopTheCommand) {
 
 TEST_F(RunCommandTest, AnAtValueIsReadFromItsInputFile) {
   WriteFile(folder_.File("line.txt"), "C\r\n");
-  View reading{"Reading", {kDate, kTime, Text("Line", 4, 1)},
-               {"\"NONE\",\"\",4,\"=\",\"@" + folder_.File("line.txt") +
-                "\",\"\""}};
+  View reading{
+      "Reading",
+      {kDate, kTime, Text("Line", 4, 1)},
+      {"\"NONE\",\"\",4,\"=\",\"@" + folder_.File("line.txt") + "\",\"\""}};
   MakeApplication({reading});
   const CliResult run = Run("Reading");
   EXPECT_EQ(run.status, 0) << run.err;
@@ -207,10 +210,7 @@ TEST_F(RunCommandTest, ABeforeOpenHookAnsweringSkipreadLeavesOnlyTheFields) {
 }
 
 TEST_F(RunCommandTest, EventModeWritesTheSameRecordsAsStoreMode) {
-  View daily{"Daily",
-             {kDate, kTime, Numeric("Avg", 3, 9, 5, 2)},
-             {},
-             5};
+  View daily{"Daily", {kDate, kTime, Numeric("Avg", 3, 9, 5, 2)}, {}, 5};
   MakeApplication({daily});
   for (const char* format : {"csv", "tsv", "json", "jsonl"}) {
     const CliResult stored =
@@ -241,7 +241,8 @@ TEST_F(RunCommandTest, OutputFileIsReplacedOnlyByASuccessfulRun) {
             "2024-03-01,06:00:00,12.00\n"
             "2024-03-02,06:00:00,13.50\n"
             "2024-03-04,10:00:00,11.00\n");
-  for (const auto& entry : std::filesystem::directory_iterator(folder_.File(""))) {
+  for (const auto& entry :
+       std::filesystem::directory_iterator(folder_.File(""))) {
     EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos)
         << entry.path();
   }
@@ -250,21 +251,20 @@ TEST_F(RunCommandTest, OutputFileIsReplacedOnlyByASuccessfulRun) {
 // The exported application runs like any other: its default settings show
 // every variable, so its run repeats the exported view's numbers.
 TEST_F(RunCommandTest, AnExportedResultRunsAsAnApplication) {
-  View daily{"Daily",
-             {kDate, kTime, Numeric("Avg", 3, 9, 5, 2),
-              Numeric("N", 3, 2, 5, 0)},
-             {},
-             5};
+  View daily{
+      "Daily",
+      {kDate, kTime, Numeric("Avg", 3, 9, 5, 2), Numeric("N", 3, 2, 5, 0)},
+      {},
+      5};
   MakeApplication({daily});
   const std::string exported = folder_.File("daily.rzt");
   const CliResult saved =
       RunRzselect({"export", App(), "--view", "Daily", "--to", exported});
   ASSERT_EQ(saved.status, 0) << saved.err;
-  const CliResult again = RunRzselect({"export", App(), "--view", "Daily",
-                                       "--to", exported});
+  const CliResult again =
+      RunRzselect({"export", App(), "--view", "Daily", "--to", exported});
   EXPECT_EQ(again.status, 1) << "an existing application is not replaced";
-  const CliResult run =
-      RunRzselect({"run", exported, "--format", "csv"});
+  const CliResult run = RunRzselect({"run", exported, "--format", "csv"});
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.out,
             "Date,Time,Avg,N\n"
@@ -275,7 +275,8 @@ TEST_F(RunCommandTest, AnExportedResultRunsAsAnApplication) {
 
 TEST_F(RunCommandTest, BadViewsAndOptionsEndWithNumberedErrors) {
   View missing{"Missing", {kDate, kTime, Numeric("Gone", 9, 0, 2, 0)}, {}};
-  View unbalanced{"Unbalanced", {kDate, kTime}, {R"w("NONE","(",4,"=","A","")w"}};
+  View unbalanced{
+      "Unbalanced", {kDate, kTime}, {R"w("NONE","(",4,"=","A","")w"}};
   MakeApplication({missing, unbalanced});
   const CliResult gone = Run("Missing");
   EXPECT_EQ(gone.status, 1);
@@ -325,8 +326,8 @@ TEST(ExampleViewsTest, TheFourSavedViewsRun) {
   EXPECT_GT(counts[2], 2);
   EXPECT_GT(counts[3], 2);
   const CliResult default_view = RunRzselect({"run", app, "--format", "csv"});
-  EXPECT_EQ(default_view.out, RunRzselect({"run", app, "--view", "1",
-                                           "--format", "csv"}).out);
+  EXPECT_EQ(default_view.out,
+            RunRzselect({"run", app, "--view", "1", "--format", "csv"}).out);
 }
 
 }  // namespace

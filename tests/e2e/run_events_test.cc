@@ -74,7 +74,9 @@ class RunEventsTest : public ::testing::Test {
 
 TEST_F(RunEventsTest, EachRecordIsHandedOverInTheWorkingRecord) {
   std::vector<std::string> averages;
-  recorder_.on_write = [&](int, bool&) { averages.push_back(WorkingAverage()); };
+  recorder_.on_write = [&](int, bool&) {
+    averages.push_back(WorkingAverage());
+  };
   engine_->Refresh(repository_, true);
   EXPECT_EQ(recorder_.log, (std::vector<std::string>{"open", "write", "write",
                                                      "write", "close"}));
@@ -113,8 +115,7 @@ TEST_F(RunEventsTest, StoreModeRaisesNoEvent) {
 TEST_F(RunEventsTest, EngineCallsFromAnEventAreRefusedWhileTheRunGoesOn) {
   std::vector<int> refused;
   recorder_.on_write = [&](int, bool&) {
-    for (const std::function<void()>& call :
-         std::vector<std::function<void()>>{
+    for (const std::function<void()>& call : std::vector<std::function<void()>>{
              [&] { engine_->Refresh(repository_, false); },
              [&] { engine_->LoadView("Daily"); },
              [&] { engine_->SaveRepository(repository_, "/nowhere.rzt"); }}) {

@@ -56,7 +56,7 @@ inline const Column kDate{"Date", 1, 0, 0, "T", 10, 0};
 inline const Column kTime{"Time", 2, 0, 0, "T", 8, 0};
 
 inline Column Numeric(std::string name, int raw, int statistic, int length,
-               int decimals, int pivot = 0) {
+                      int decimals, int pivot = 0) {
   return Column{std::move(name), raw, statistic, pivot, "N", length, decimals};
 }
 
