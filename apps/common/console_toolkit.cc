@@ -6,6 +6,8 @@
 
 #include "core/error.h"
 #include "core/text.h"
+#include "ui/input_dialog_form.h"
+#include "ui/splash_model.h"
 
 namespace rz {
 namespace {
@@ -106,9 +108,70 @@ TwipSize ConsoleToolkit::ScreenSize() const {
 }
 
 void ConsoleToolkit::ShowModal(DialogModel& model) {
+  if (auto* question = dynamic_cast<InputDialogForm*>(&model)) {
+    Ask(*question);
+    return;
+  }
   throw Error::InvalidArgument("the dialog '" + std::string(model.Name()) +
                                "' needs a windowing toolkit; the command "
                                "line cannot show it");
+}
+
+// The run-time question: its prompt, then the answer typed on the
+// terminal (an empty line or the end of input answers nothing).
+void ConsoleToolkit::Ask(InputDialogForm& question) {
+  if (!interactive_) {
+    throw Error::InvalidArgument(
+        "a run-time question needs a person at the terminal: " +
+        TerminalText(question.lblPrompt()));
+  }
+  ClearProgress();
+  std::fprintf(out_, "%s\n%s\n> ", question.Caption().c_str(),
+               TerminalText(question.lblPrompt()).c_str());
+  std::fflush(out_);
+  question.cboInputText() = Trim(ReadLine().value_or(""));
+  question.Ok();
+}
+
+void ConsoleToolkit::ShowModeless(DialogModel& model) {
+  if (!show_progress_) return;
+  if (auto* splash = dynamic_cast<SplashModel*>(&model)) progress_ = splash;
+}
+
+void ConsoleToolkit::Close(DialogModel& model) {
+  if (&model != progress_) return;
+  ClearProgress();
+  progress_ = nullptr;
+}
+
+// Redraws the progress line at most ten times a second: the last line of
+// the window's message and, when known, how far the run has come.
+void ConsoleToolkit::DoEvents() {
+  if (progress_ == nullptr) return;
+  const auto now = std::chrono::steady_clock::now();
+  if (progress_drawn_ && now - last_drawn_ < std::chrono::milliseconds(100)) {
+    return;
+  }
+  last_drawn_ = now;
+  const std::string& message = progress_->Message();
+  const size_t line_start = message.rfind('\n');
+  std::string line = line_start == std::string::npos
+                         ? message
+                         : message.substr(line_start + 1);
+  if (progress_->Total() > 1) {
+    line += "  " + std::to_string(progress_->Position()) + "/" +
+            std::to_string(progress_->Total());
+  }
+  std::fprintf(out_, "\r\033[K%s", line.c_str());
+  std::fflush(out_);
+  progress_drawn_ = true;
+}
+
+void ConsoleToolkit::ClearProgress() {
+  if (!progress_drawn_) return;
+  std::fprintf(out_, "\r\033[K");
+  std::fflush(out_);
+  progress_drawn_ = false;
 }
 
 std::optional<std::string> ConsoleToolkit::ReadLine() {

@@ -4,13 +4,17 @@
 // standard error; questions, input boxes and file choices are asked on the
 // terminal when standard input is one, and answered with the box's
 // cancelling answer otherwise (No, Cancel, the empty text, no file), so a
-// batch run never waits for a person. Dialog models (the wizard, the
-// parameter dialog) need a windowing toolkit: ShowModal raises error 5
-// naming the dialog. Modeless windows (progress) are not drawn.
+// batch run never waits for a person. The run-time question
+// (InputDialogForm) is asked on the terminal (error 5 without a person);
+// the other dialog models (the wizard) need a windowing toolkit: ShowModal
+// raises error 5 naming the dialog. The progress window (SplashModel) is
+// a line on `out` redrawn as the run yields, when SetShowProgress(true);
+// other modeless windows are not drawn.
 
 #ifndef RZ_APPS_COMMON_CONSOLE_TOOLKIT_H_
 #define RZ_APPS_COMMON_CONSOLE_TOOLKIT_H_
 
+#include <chrono>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -18,6 +22,9 @@
 #include "platform/toolkit.h"
 
 namespace rz {
+
+class InputDialogForm;
+class SplashModel;
 
 class ConsoleToolkit : public Toolkit {
  public:
@@ -37,19 +44,28 @@ class ConsoleToolkit : public Toolkit {
   std::optional<std::string> OpenFileDialog(std::string_view title,
                                             std::string_view folder,
                                             std::string_view filter) override;
-  void DoEvents() override {}
+  // Draw the progress window on `out` (for a terminal; off by default).
+  void SetShowProgress(bool show) { show_progress_ = show; }
+
+  void DoEvents() override;
   TwipSize ScreenSize() const override;
   void ShowModal(DialogModel& model) override;
-  void ShowModeless(DialogModel& model) override { (void)model; }
-  void Close(DialogModel& model) override { (void)model; }
+  void ShowModeless(DialogModel& model) override;
+  void Close(DialogModel& model) override;
   void SetBusy(bool busy) override { (void)busy; }
 
  private:
   std::optional<std::string> ReadLine();
+  void Ask(InputDialogForm& question);
+  void ClearProgress();
 
   std::FILE* in_;
   std::FILE* out_;
   bool interactive_;
+  bool show_progress_ = false;
+  const SplashModel* progress_ = nullptr;
+  bool progress_drawn_ = false;
+  std::chrono::steady_clock::time_point last_drawn_;
 };
 
 }  // namespace rz

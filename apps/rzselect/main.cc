@@ -9,6 +9,8 @@
 // "error 7: Out of memory (rzselect)", any other failure of the program
 // itself "error 51: Internal error: ... (rzselect)"), 2 on bad usage.
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <cstdint>
@@ -172,8 +174,7 @@ void AddViewRunOptions(CLI::App& command, rz::ViewRunOptions& options) {
 void AddRun(CLI::App& app, rz::RunOptions& options) {
   CLI::App* run = app.add_subcommand("run", "Run a view and write its result");
   AddViewRunOptions(*run, options);
-  run->add_option("--format", options.format,
-                  "table, csv, tsv, json or jsonl")
+  run->add_option("--format", options.format, "table, csv, tsv, json or jsonl")
       ->default_val("table")
       ->check(CLI::IsMember({"table", "csv", "tsv", "json", "jsonl"}));
   run->add_option("-o,--output", options.output,
@@ -235,10 +236,12 @@ int main(int argc, char** argv) {
       rz::RunImport(platform, import_options, std::cout);
     } else if (app.got_subcommand("run")) {
       run_options.interactive = toolkit.Interactive();
+      toolkit.SetShowProgress(isatty(STDERR_FILENO) && !run_options.quiet);
       const rz::ApplicationReadLock reading(run_options.template_path);
       rz::RunViewCommand(platform, run_options, std::cout);
     } else if (app.got_subcommand("export")) {
       export_options.interactive = toolkit.Interactive();
+      toolkit.SetShowProgress(isatty(STDERR_FILENO) && !export_options.quiet);
       const rz::ApplicationReadLock reading(export_options.template_path);
       rz::RunExportCommand(platform, export_options, std::cout);
     } else if (app.got_subcommand("views")) {
