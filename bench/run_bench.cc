@@ -1,0 +1,290 @@
+// Copyright 2026 The Veltmark authors.
+//
+// Whole runs, as a user meets them: an application of 1,000,000 records
+// (the shared bench data: 30 s apart, ten numbers, a line name out of four,
+// an operator) and three views,
+//   T1 detail of about 80 % of the records (one filter row), every
+//      variable, written as CSV;
+//   T2 summary by day, 7 statistics (count, sum, average, SD, minimum,
+//      maximum, range) of the 10 numbers;
+//   T3 the daily average of one number pivoted by the line.
+// Cold: `rzselect run APP --view N --format csv -o FILE` as a new process
+// (open, load, run, write) against the Debian sqlite3 command line doing
+// the same query on the same data file with the same kind of output, each
+// the best of three, printed as a ratio rzselect/sqlite3. Warm: one engine
+// in this process with the view loaded, Refresh twice; the second's time
+// as a ratio to the first and to the sqlite3 figure. The line counts of
+// both outputs are printed as a guard that both did the same work.
+//
+// The application is made once under the build folder (bench-data/run/,
+// its data file a link to bench-data/load1m.rzd); delete it to make it
+// again. Arguments are ignored (scripts/bench passes benchmark options).
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench_data.h"
+#include "common/system_platform.h"
+#include "engine/rzselect.h"
+#include "platform/app_file.h"
+#include "platform/field_format.h"
+#include "platform/headless_toolkit.h"
+#include "platform/repository.h"
+#include "view/result_field_types.h"
+#include "view/view_state.h"
+#include "view/where_types.h"
+
+#ifndef RZSELECT_PATH
+#error "RZSELECT_PATH must name the rzselect executable"
+#endif
+
+extern char** environ;
+
+namespace rz::bench {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kLine = 13;         // "Line 1" .. "Line 4"
+constexpr double kCut = 216.3;    // about the 20th percentile of N(250, 40)
+constexpr int16_t kSumByDay = 5;  // the entry of the summarising list
+constexpr int kRepeats = 3;
+
+struct Shape {
+  const char* name;
+  const char* view;
+  std::string sql;
+};
+
+std::string NumberColumns() {
+  std::string text;
+  for (int k = 3; k <= 2 + kNumbers; ++k) text += ", v" + std::to_string(k);
+  return text;
+}
+
+std::string DailyStatistics() {
+  std::string text;
+  for (int k = 3; k <= 2 + kNumbers; ++k) {
+    const std::string v = "v" + std::to_string(k);
+    text += ", count(" + v + "), sum(" + v + "), avg(" + v + "), sqrt((sum(" +
+            v + "*" + v + ") - sum(" + v + ")*sum(" + v + ")/count(" + v +
+            "))/(count(" + v + ")-1)), min(" + v + "), max(" + v + "), max(" +
+            v + ")-min(" + v + ")";
+  }
+  return text;
+}
+
+std::string DailyPivot() {
+  std::string text;
+  for (int line = 1; line <= 4; ++line) {
+    text += ", avg(CASE WHEN v13 = 'Line " + std::to_string(line) +
+            "' THEN v3 END)";
+  }
+  return text;
+}
+
+std::vector<Shape> Shapes() {
+  return {
+      {"T1 detail, 80 % of the records, CSV", "T1",
+       "SELECT v1, v2" + NumberColumns() +
+           ", v13, v14 FROM records WHERE v3 > 216.3 ORDER BY recno;"},
+      {"T2 summary by day, 7 statistics x 10", "T2",
+       "SELECT v1, min(v2)" + DailyStatistics() +
+           " FROM records GROUP BY v1 ORDER BY v1;"},
+      {"T3 daily average pivoted by line", "T3",
+       "SELECT v1, min(v2)" + DailyPivot() +
+           " FROM records GROUP BY v1 ORDER BY v1;"},
+  };
+}
+
+// A column as a view's wizard makes it: the variable's definition, named,
+// sized for its statistic.
+void AddColumn(RZselect& engine, int16_t pivot, int16_t raw, int16_t statistic,
+               const std::string& name) {
+  auto column = engine.ResultField()->Add(pivot, raw, statistic, name);
+  FieldDefinition& definition = *column->RZfield();
+  definition.CopyFrom(*engine.RZaccess()->Variables().Item(raw));
+  definition.Set(FieldAttribute::kName, Variant(name));
+  if (statistic == 0) return;
+  int16_t length = definition.Length();
+  int16_t decimals = definition.Decimals();
+  StatisticFieldSize(engine.SumBy() != 0, statistic, length, decimals);
+  definition.Set(FieldAttribute::kLength, Variant(length));
+  definition.Set(FieldAttribute::kDecimals, Variant(decimals));
+}
+
+void DailyStart(RZselect& engine) {
+  engine.SetSumBy(kSumByDay);
+  engine.ResultField()->Clear();
+  AddColumn(engine, 0, 1, 0, "Date");
+  AddColumn(engine, 0, 2, 0, "Time");
+}
+
+// The application around the shared data file, with its three views.
+std::string Application(const std::shared_ptr<Platform>& shared) {
+  Platform& platform = *shared;
+  const fs::path folder = fs::path(RZ_BENCH_DATA_DIR) / "run";
+  const fs::path app = folder / "run1m.rzt";
+  if (fs::exists(app)) return app.string();
+  const std::string data = DataFile();
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  {
+    std::shared_ptr<AppFile> file = platform.CreateAppFile();
+    file->SetAppTitle("Run benchmark");
+    file->SetDefaultLookBack(-1);
+    file->Variables().Add("Date", "T", 10, 0);
+    file->Variables().Add("Time", "T", 8, 0);
+    for (int k = 1; k <= kNumbers; ++k) {
+      file->Variables().Add("M" + std::to_string(k), "N", 7, 3);
+    }
+    file->Variables().Add("Line", "T", 6, 0);
+    file->Variables().Add("Operator", "T", 8, 0);
+    file->SetOpenMode(kOpenCreateNew);
+    file->OpenApplication(app.string());
+    file->CloseApplication();
+  }
+  fs::remove(folder / "run1m.rzd");
+  fs::create_hard_link(data, folder / "run1m.rzd");
+
+  auto engine = RZselect::Create(shared);
+  engine->SetFilename(app.string());
+  engine->Initialize();
+  ViewCatalogue& views = engine->RZaccess()->Views();
+  for (const char* name : {"T1", "T2", "T3"}) {
+    views.Add(name, views.Count() + 1);
+  }
+  views.Save();
+  engine->Initialize();
+  engine->Where()->Add(0, "", 3, ">", std::to_string(kCut), "");
+  engine->SaveView("T1");
+  engine->Initialize();
+  DailyStart(*engine);
+  const int16_t statistics[] = {2, 4, 9, 5, 12, 6, 21};
+  for (int16_t k = 3; k <= 2 + kNumbers; ++k) {
+    for (int16_t statistic : statistics) {
+      AddColumn(*engine, 0, k, statistic,
+                "M" + std::to_string(k - 2) + "_" + std::to_string(statistic));
+    }
+  }
+  engine->SaveView("T2");
+  engine->Initialize();
+  DailyStart(*engine);
+  AddColumn(*engine, kLine, 3, 9, "[*]_M1");
+  engine->SaveView("T3");
+  engine->ReleaseObject();
+  return app.string();
+}
+
+// Runs a program with its output to /dev/null; its wall time in seconds,
+// or a negative number when it failed.
+double TimedRun(const std::vector<std::string>& args) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null",
+                                   O_WRONLY, 0);
+  std::vector<char*> argv;
+  for (const std::string& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
+  argv.push_back(nullptr);
+  const Clock::time_point start = Clock::now();
+  pid_t pid = 0;
+  const int failed = posix_spawnp(&pid, argv[0], &actions, nullptr,
+                                  argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (failed != 0) return -1;
+  int status = 0;
+  waitpid(pid, &status, 0);
+  const double seconds =
+      std::chrono::duration<double>(Clock::now() - start).count();
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? seconds : -1;
+}
+
+double Best(const std::vector<std::string>& args) {
+  double best = -1;
+  for (int i = 0; i < kRepeats; ++i) {
+    const double seconds = TimedRun(args);
+    if (seconds < 0) return -1;
+    best = best < 0 ? seconds : std::min(best, seconds);
+  }
+  return best;
+}
+
+long Lines(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return std::count(std::istreambuf_iterator<char>(file),
+                    std::istreambuf_iterator<char>(), '\n');
+}
+
+// Refreshes of one engine: the first and the second, in seconds.
+std::pair<double, double> WarmRefreshes(std::shared_ptr<Platform> platform,
+                                        const std::string& app,
+                                        const std::string& view) {
+  auto engine = RZselect::Create(platform);
+  engine->SetFilename(app);
+  engine->SetDisplayPacifier(false);
+  engine->Initialize();
+  engine->LoadView(view);
+  std::shared_ptr<Repository> repository = platform->CreateRepository();
+  double times[2];
+  for (double& time : times) {
+    const Clock::time_point start = Clock::now();
+    engine->Refresh(repository, false);
+    time = std::chrono::duration<double>(Clock::now() - start).count();
+  }
+  engine->ReleaseObject();
+  return {times[0], times[1]};
+}
+
+int Main() {
+  HeadlessToolkit toolkit;
+  auto platform = std::make_shared<SystemPlatform>(toolkit);
+  const std::string app = Application(platform);
+  const std::string data =
+      (fs::path(app).parent_path() / "run1m.rzd").string();
+  const std::string out = (fs::path(app).parent_path() / "out").string();
+  std::printf("%-40s %10s %10s %8s %18s\n", "case (1,000,000 records)",
+              "rzselect", "sqlite3", "ratio", "lines rz/sqlite3");
+  int failures = 0;
+  for (const Shape& shape : Shapes()) {
+    const std::string rz_out = out + "_rz.csv";
+    const std::string sql_out = out + "_sql.csv";
+    const double rz = Best({RZSELECT_PATH, "run", app, "--view", shape.view,
+                            "--format", "csv", "-o", rz_out, "--quiet"});
+    const double sql =
+        Best({"sqlite3", "-bail", "-cmd", ".headers on", "-cmd", ".mode csv",
+              "-cmd", ".output " + sql_out, data, shape.sql});
+    if (rz < 0 || sql < 0) {
+      std::printf("%-40s failed (rzselect %s, sqlite3 %s)\n", shape.name,
+                  rz < 0 ? "failed" : "ok", sql < 0 ? "failed" : "ok");
+      ++failures;
+      continue;
+    }
+    std::printf("%-40s %9.3fs %9.3fs %8.2f %8ld/%-8ld\n", shape.name, rz, sql,
+                rz / sql, Lines(rz_out), Lines(sql_out));
+    if (shape.view != std::string("T1")) {
+      const auto [first, second] = WarmRefreshes(platform, app, shape.view);
+      std::printf("%-40s %9.3fs %9.3fs %8.2f  (second Refresh / first; "
+                  "/ sqlite3: %.3f)\n",
+                  ("  warm " + std::string(shape.view)).c_str(), second, first,
+                  second / first, second / sql);
+    }
+  }
+  return failures == 0 ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace rz::bench
+
+int main() { return rz::bench::Main(); }
