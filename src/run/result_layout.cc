@@ -71,6 +71,9 @@ std::string PivotColumnName(const std::string& name, const std::string& value) {
 void AppendPivotColumns(ViewState& state, int16_t index, ResultFieldType& field,
                         ResultLayout& layout) {
   AppFile& file = *state.AppFile;
+  // One group per value over the selected records: detail mode, whatever
+  // the last run's extraction left switched on.
+  file.SetSummarize(false);
   file.SummaryCursor().Reset();
   file.SortKeys().Reset();
   file.SortKeys().Add(field.PivotField(), kDistinctValues);

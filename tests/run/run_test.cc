@@ -200,6 +200,28 @@ TEST_F(RunTest, ReadOnlyTellsWhy) {
   }
 }
 
+// The second Refresh of an open engine starts where the first left the
+// application file (summary mode on) and must give the same result.
+TEST_F(RunTest, ASecondRunOfASummaryWithAPivotGivesTheSameResult) {
+  ResultFieldTypes& fields = *engine_->ResultField();
+  while (fields.Count() > 2) fields.Remove(fields.Count());
+  fields.Add(4, 3, 9, "W_[*]");
+  engine_->SetSumBy(5);
+  std::vector<std::string> runs;
+  for (int run = 0; run < 2; ++run) {
+    Run();
+    std::string cells = Traced("ResultFieldsCount=");
+    for (int32_t r = 1; r <= repository_->RecordCount(); ++r) {
+      for (int32_t f = 1; f <= repository_->Fields().Count(); ++f) {
+        cells += "|" + repository_->Value(r, f).ToString();
+      }
+    }
+    runs.push_back(cells);
+  }
+  EXPECT_EQ(runs[0].substr(0, 19), "ResultFieldsCount=5");  // A, B, C
+  EXPECT_EQ(runs[1], runs[0]);
+}
+
 TEST_F(RunTest, AResultFieldOnAVariableTheApplicationLacksIsNamed) {
   engine_->ResultField()->Add(0, 9, 0, "Gone");
   try {
