@@ -38,7 +38,6 @@
 #include "common/system_platform.h"
 #include "engine/rzselect.h"
 #include "platform/app_file.h"
-#include "platform/field_format.h"
 #include "platform/headless_toolkit.h"
 #include "platform/repository.h"
 #include "view/result_field_types.h"
@@ -109,20 +108,11 @@ std::vector<Shape> Shapes() {
   };
 }
 
-// A column as a view's wizard makes it: the variable's definition, named,
-// sized for its statistic.
 void AddColumn(RZselect& engine, int16_t pivot, int16_t raw, int16_t statistic,
                const std::string& name) {
-  auto column = engine.ResultField()->Add(pivot, raw, statistic, name);
-  FieldDefinition& definition = *column->RZfield();
-  definition.CopyFrom(*engine.RZaccess()->Variables().Item(raw));
-  definition.Set(FieldAttribute::kName, Variant(name));
-  if (statistic == 0) return;
-  int16_t length = definition.Length();
-  int16_t decimals = definition.Decimals();
-  StatisticFieldSize(engine.SumBy() != 0, statistic, length, decimals);
-  definition.Set(FieldAttribute::kLength, Variant(length));
-  definition.Set(FieldAttribute::kDecimals, Variant(decimals));
+  AddVariableColumn(*engine.ResultField(),
+                    *engine.RZaccess()->Variables().Item(raw), pivot, raw,
+                    statistic, name, engine.SumBy() != 0);
 }
 
 void DailyStart(RZselect& engine) {
@@ -196,12 +186,13 @@ double TimedRun(const std::vector<std::string>& args) {
   posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null",
                                    O_WRONLY, 0);
   std::vector<char*> argv;
-  for (const std::string& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
+  for (const std::string& arg : args)
+    argv.push_back(const_cast<char*>(arg.c_str()));
   argv.push_back(nullptr);
   const Clock::time_point start = Clock::now();
   pid_t pid = 0;
-  const int failed = posix_spawnp(&pid, argv[0], &actions, nullptr,
-                                  argv.data(), environ);
+  const int failed =
+      posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   if (failed != 0) return -1;
   int status = 0;
@@ -251,8 +242,7 @@ int Main() {
   HeadlessToolkit toolkit;
   auto platform = std::make_shared<SystemPlatform>(toolkit);
   const std::string app = Application(platform);
-  const std::string data =
-      (fs::path(app).parent_path() / "run1m.rzd").string();
+  const std::string data = (fs::path(app).parent_path() / "run1m.rzd").string();
   const std::string out = (fs::path(app).parent_path() / "out").string();
   std::printf("%-40s %10s %10s %8s %18s\n", "case (1,000,000 records)",
               "rzselect", "sqlite3", "ratio", "lines rz/sqlite3");
@@ -275,10 +265,11 @@ int Main() {
                 rz / sql, Lines(rz_out), Lines(sql_out));
     if (shape.view != std::string("T1")) {
       const auto [first, second] = WarmRefreshes(platform, app, shape.view);
-      std::printf("%-40s %9.3fs %9.3fs %8.2f  (second Refresh / first; "
-                  "/ sqlite3: %.3f)\n",
-                  ("  warm " + std::string(shape.view)).c_str(), second, first,
-                  second / first, second / sql);
+      std::printf(
+          "%-40s %9.3fs %9.3fs %8.2f  (second Refresh / first; "
+          "/ sqlite3: %.3f)\n",
+          ("  warm " + std::string(shape.view)).c_str(), second, first,
+          second / first, second / sql);
     }
   }
   return failures == 0 ? 0 : 1;

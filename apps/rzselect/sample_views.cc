@@ -8,9 +8,9 @@
 
 #include "engine/rzselect.h"
 #include "platform/app_file.h"
-#include "platform/field_format.h"
 #include "platform/field_definition.h"
 #include "view/date_range.h"
+#include "view/result_field_types.h"
 #include "view/view_state.h"
 
 namespace rz {
@@ -37,24 +37,12 @@ constexpr int16_t kAverage = 9;
 constexpr int16_t kCalcLcl = 10;
 constexpr int16_t kCpk = 19;
 
-// Appends a column built as the wizard builds it: a copy of the raw
-// variable's definition carrying the column's name, sized for its
-// statistic (a count has no decimals, a Cpk more than the weights).
+// Appends a column built as the wizard builds it.
 void AddColumn(RZselect& engine, int16_t pivot, int16_t raw, int16_t statistic,
                const std::string& name) {
-  const std::shared_ptr<FieldDefinition> variable =
-      engine.RZaccess()->Variables().Item(raw);
-  const std::shared_ptr<ResultFieldType> column =
-      engine.ResultField()->Add(pivot, raw, statistic, name);
-  FieldDefinition& definition = *column->RZfield();
-  definition.CopyFrom(*variable);
-  definition.Set(FieldAttribute::kName, Variant(name));
-  if (statistic == kFirstValue) return;
-  int16_t length = definition.Length();
-  int16_t decimals = definition.Decimals();
-  StatisticFieldSize(engine.SumBy() != 0, statistic, length, decimals);
-  definition.Set(FieldAttribute::kLength, Variant(length));
-  definition.Set(FieldAttribute::kDecimals, Variant(decimals));
+  AddVariableColumn(*engine.ResultField(),
+                    *engine.RZaccess()->Variables().Item(raw), pivot, raw,
+                    statistic, name, engine.SumBy() != 0);
 }
 
 // The date and time columns every summarised view starts with.

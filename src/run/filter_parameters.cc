@@ -28,19 +28,14 @@ void TraceFilter(ViewState& state, std::string_view procedure,
   Trace(*state.platform, kWriterModule, procedure, message);
 }
 
-std::string ViewName(const ViewState& state) {
-  return state.CurrentViewName.empty() ? "(default settings)"
-                                       : state.CurrentViewName;
-}
-
 // The name of variable `variable` of a filter row; error 9 naming the view
 // and the row when the application has no such variable.
 std::string VariableName(ViewState& state, int32_t row, int16_t variable) {
   VariableList& variables = state.AppFile->Variables();
   if (variable < 1 || variable > variables.Count()) {
     throw Error::SubscriptOutOfRange(
-        "view '" + ViewName(state) + "', filter row " + std::to_string(row) +
-        ": variable " + std::to_string(variable) +
+        "view '" + ViewNameForMessages(state) + "', filter row " +
+        std::to_string(row) + ": variable " + std::to_string(variable) +
         " is not one of the application's " +
         std::to_string(variables.Count()) + " variables");
   }

@@ -25,11 +25,6 @@ void Log(ViewState& state, std::string_view procedure,
   Trace(*state.platform, kWriterModule, procedure, message);
 }
 
-std::string ViewName(const ViewState& state) {
-  return state.CurrentViewName.empty() ? "(default settings)"
-                                       : state.CurrentViewName;
-}
-
 // Error 9 naming the view and the field when `variable` is not one of the
 // application's variables.
 void CheckVariable(ViewState& state, int32_t field, std::string_view role,
@@ -37,10 +32,10 @@ void CheckVariable(ViewState& state, int32_t field, std::string_view role,
   const int32_t count = state.AppFile->Variables().Count();
   if (variable >= 1 && variable <= count) return;
   throw Error::SubscriptOutOfRange(
-      "view '" + ViewName(state) + "', result field " + std::to_string(field) +
-      ": " + std::string(role) + " " + std::to_string(variable) +
-      " is not one of the application's " + std::to_string(count) +
-      " variables");
+      "view '" + ViewNameForMessages(state) + "', result field " +
+      std::to_string(field) + ": " + std::string(role) + " " +
+      std::to_string(variable) + " is not one of the application's " +
+      std::to_string(count) + " variables");
 }
 
 void CheckFields(ViewState& state) {

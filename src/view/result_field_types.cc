@@ -145,4 +145,22 @@ std::vector<std::string> ResultFieldTypes::MemberNames() const {
   return ListTable().Names();
 }
 
+std::shared_ptr<ResultFieldType> AddVariableColumn(
+    ResultFieldTypes& columns, const FieldDefinition& variable, int16_t pivot,
+    int16_t raw, int16_t statistic, const std::string& name,
+    bool summary_mode) {
+  std::shared_ptr<ResultFieldType> column =
+      columns.Add(pivot, raw, statistic, name);
+  FieldDefinition& definition = *column->RZfield();
+  definition.CopyFrom(variable);
+  definition.Set(FieldAttribute::kName, Variant(name));
+  if (statistic == 0) return column;
+  int16_t length = definition.Length();
+  int16_t decimals = definition.Decimals();
+  StatisticFieldSize(summary_mode, statistic, length, decimals);
+  definition.Set(FieldAttribute::kLength, Variant(length));
+  definition.Set(FieldAttribute::kDecimals, Variant(decimals));
+  return column;
+}
+
 }  // namespace rz

@@ -95,6 +95,15 @@ class ResultFieldTypes : public Dispatch {
   ItemList<ResultFieldType> items_;
 };
 
+// Appends a column as the view wizard makes it: a copy of the definition of
+// `variable` (the application's variable number `raw`) named `name` and,
+// for a statistic other than 0, sized for it (StatisticFieldSize, from the
+// summary list when `summary_mode`). Errors of StatisticFieldSize (6) leave
+// the column added with the variable's size.
+std::shared_ptr<ResultFieldType> AddVariableColumn(
+    ResultFieldTypes& columns, const FieldDefinition& variable, int16_t pivot,
+    int16_t raw, int16_t statistic, const std::string& name, bool summary_mode);
+
 }  // namespace rz
 
 #endif  // RZ_VIEW_RESULT_FIELD_TYPES_H_

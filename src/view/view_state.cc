@@ -37,4 +37,9 @@ int ApplicationRuleCount(const ViewState& state) {
   return static_cast<int>(state.AppFile->Rules().Count());
 }
 
+std::string ViewNameForMessages(const ViewState& state) {
+  return state.CurrentViewName.empty() ? "(default settings)"
+                                       : state.CurrentViewName;
+}
+
 }  // namespace rz

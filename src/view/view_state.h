@@ -147,6 +147,10 @@ void SetRangeText(ViewState& state);
 // The number of rules of the state's application (0 without one).
 int ApplicationRuleCount(const ViewState& state);
 
+// The current view's name as messages name it: "(default settings)" while
+// no saved view is loaded.
+std::string ViewNameForMessages(const ViewState& state);
+
 }  // namespace rz
 
 #endif  // RZ_VIEW_VIEW_STATE_H_

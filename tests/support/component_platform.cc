@@ -5,32 +5,8 @@
 #include <utility>
 
 #include "platform/app_file.h"
-#include "platform/trace_sink.h"
 
 namespace rz {
-namespace {
-
-class Recorder : public TraceSink {
- public:
-  explicit Recorder(std::vector<ComponentPlatform::TraceRecord>& records)
-      : records_(records) {}
-  void Send(std::string_view component, std::string_view writer,
-            std::string_view procedure,
-            std::string_view message) noexcept override {
-    try {
-      records_.push_back({std::string(component), std::string(writer),
-                          std::string(procedure), std::string(message)});
-    } catch (...) {
-      // A sink never throws.
-    }
-  }
-
- private:
-  std::vector<ComponentPlatform::TraceRecord>& records_;
-};
-
-}  // namespace
-
 ComponentPlatform::ComponentPlatform()
     : SystemPlatform(toolkit_),
       input_files_(std::make_shared<FakeInputFiles>()) {}
@@ -51,7 +27,7 @@ std::shared_ptr<InputFileReader> ComponentPlatform::CreateInputFileReader() {
 }
 
 std::unique_ptr<TraceSink> ComponentPlatform::FindTraceSink() noexcept {
-  return std::make_unique<Recorder>(traces_);
+  return std::make_unique<RecordingTraceSink>(traces_);
 }
 
 void MakeApplication(Platform& platform, const std::string& path,

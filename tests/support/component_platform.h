@@ -26,7 +26,7 @@ namespace rz {
 
 class ComponentPlatform : public SystemPlatform {
  public:
-  using TraceRecord = std::array<std::string, 4>;
+  using TraceRecord = RecordingTraceSink::Record;
 
   ComponentPlatform();
 

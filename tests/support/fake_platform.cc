@@ -6,29 +6,17 @@
 #include <utility>
 
 namespace rz {
-namespace {
-
-// Appends every record it receives to the platform's list.
-class RecordingSink : public TraceSink {
- public:
-  explicit RecordingSink(std::vector<FakePlatform::TraceRecord>& records)
-      : records_(records) {}
-  void Send(std::string_view component, std::string_view writer,
-            std::string_view procedure,
-            std::string_view message) noexcept override {
-    try {
-      records_.push_back({std::string(component), std::string(writer),
-                          std::string(procedure), std::string(message)});
-    } catch (...) {
-      // A sink never throws; a record it cannot keep is lost.
-    }
+void RecordingTraceSink::Send(std::string_view component,
+                              std::string_view writer,
+                              std::string_view procedure,
+                              std::string_view message) noexcept {
+  try {
+    records_.push_back({std::string(component), std::string(writer),
+                        std::string(procedure), std::string(message)});
+  } catch (...) {
+    // A sink never throws; a record it cannot keep is lost.
   }
-
- private:
-  std::vector<FakePlatform::TraceRecord>& records_;
-};
-
-}  // namespace
+}
 
 std::string FakeInputFileReader::ReadInputFile(std::string_view name) {
   requests_.emplace_back(name);
@@ -78,7 +66,7 @@ std::unique_ptr<TraceSink> FakePlatform::FindTraceSink() noexcept {
   ++find_trace_sink_calls_;
   if (!trace_sink_running_) return nullptr;
   try {
-    return std::make_unique<RecordingSink>(traces_);
+    return std::make_unique<RecordingTraceSink>(traces_);
   } catch (...) {
     return nullptr;
   }

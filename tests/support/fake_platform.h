@@ -59,6 +59,21 @@ class FakeInputFileReader : public InputFileReader {
   bool success_ = false;
 };
 
+// A trace sink that appends every record it receives (component, writer,
+// procedure, message) to a list it does not own.
+class RecordingTraceSink : public TraceSink {
+ public:
+  using Record = std::array<std::string, 4>;
+  explicit RecordingTraceSink(std::vector<Record>& records)
+      : records_(records) {}
+  void Send(std::string_view component, std::string_view writer,
+            std::string_view procedure,
+            std::string_view message) noexcept override;
+
+ private:
+  std::vector<Record>& records_;
+};
+
 class FakePlatform : public Platform {
  public:
   // One trace record: component, writer, procedure, message.
