@@ -242,7 +242,6 @@ int main(int argc, char** argv) {
     } else if (app.got_subcommand("export")) {
       export_options.interactive = toolkit.Interactive();
       toolkit.SetShowProgress(isatty(STDERR_FILENO) && !export_options.quiet);
-      const rz::ApplicationReadLock reading(export_options.template_path);
       rz::RunExportCommand(platform, export_options, std::cout);
     } else if (app.got_subcommand("views")) {
       const rz::ApplicationReadLock reading(views_options.template_path);

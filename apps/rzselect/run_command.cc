@@ -17,6 +17,7 @@
 #include "core/text.h"
 #include "engine/rzselect.h"
 #include "platform/app_file.h"
+#include "platform/application_replace.h"
 #include "platform/file_system.h"
 #include "platform/repository.h"
 #include "platform/rzselect_events.h"
@@ -262,9 +263,16 @@ void RunExportCommand(Platform& platform, const ExportOptions& options,
     throw Error::FileAlreadyExists(options.target);
   }
   std::shared_ptr<Platform> base(&platform, [](Platform*) {});
-  std::shared_ptr<RZselect> engine = PrepareViewRun(base, options);
+  std::shared_ptr<RZselect> engine;
   std::shared_ptr<Repository> repository = platform.CreateRepository();
-  engine->Refresh(repository, false);
+  {
+    // The source is held for reading while it is read; the export then
+    // writes without the hold, which would keep a replacement in the same
+    // folder waiting on this very process.
+    const ApplicationReadLock reading(options.template_path);
+    engine = PrepareViewRun(base, options);
+    engine->Refresh(repository, false);
+  }
   engine->SaveRepository(repository, options.target);
   engine->ReleaseObject();
   out << "wrote " << options.target << " (" << repository->RecordCount()

@@ -155,14 +155,24 @@ void ApplicationFile::CreateNew(std::string_view path) {
     CheckVariableDefinition(*variables[i], static_cast<int32_t>(i + 1));
   }
   const std::string template_path = NormalizePath(path);
-  const std::string data_path = DataPathFor(template_path);
-  if (template_path == data_path) {
+  if (template_path == DataPathFor(template_path)) {
     throw Error::InvalidArgument("the template " + template_path +
                                  " would be its own data file");
   }
+  std::unique_ptr<ApplicationReplacement> replacement;
+  std::string target = template_path;
+  if (ApplicationHasLeftovers(template_path)) {
+    RecoverApplication(template_path);
+  }
+  if (!ExistingApplicationFiles(template_path).empty()) {
+    replacement = std::make_unique<ApplicationReplacement>(template_path);
+    target = replacement->StagedTemplatePath();
+  }
+  const std::string data_path = DataPathFor(target);
   CheckRecordsColumnCount(data_path, variables.size());
-  writer_ = std::make_unique<ApplicationWriter>(template_path, data_path,
+  writer_ = std::make_unique<ApplicationWriter>(target, data_path,
                                                 NumericFlags(variables));
+  replacement_ = std::move(replacement);
   path_ = template_path;
   state_ = State::kWriting;
   pending_.reset();
@@ -171,18 +181,22 @@ void ApplicationFile::CreateNew(std::string_view path) {
 void ApplicationFile::CloseApplication() {
   if (state_ == State::kClosed) return;
   std::unique_ptr<ApplicationWriter> writer = std::move(writer_);
+  std::unique_ptr<ApplicationReplacement> replacement = std::move(replacement_);
   const std::string template_text =
       writer ? FormatAppTemplate(template_) : std::string();
   ResetToClosed();
   // The object is closed whatever happens now; a failed commit removes
-  // what it wrote when `writer` goes.
+  // what it wrote when `writer` (and the staging folder when
+  // `replacement`) goes.
   if (writer) writer->Commit(template_text);
+  if (replacement) replacement->Commit();
 }
 
 void ApplicationFile::ResetToClosed() {
   state_ = State::kClosed;
   store_.reset();
   writer_.reset();
+  replacement_.reset();
   filter_.reset();
   template_ = AppTemplate();
   pending_.reset();

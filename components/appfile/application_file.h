@@ -40,6 +40,13 @@
 //   - SummaryCursor().Reset() forgets the pass: then EndOfSummary is true
 //     and the statistics raise error 5.
 //
+//   - A new application (mode 1) at a path where an application already
+//     is replaces it as a whole (application_replace.h): it is written
+//     into a staging folder beside it and switched in at CloseApplication,
+//     so a process killed at any moment leaves the old application or the
+//     new one, never a mixture; the old one's views and hook script go with
+//     it. An interrupted replacement found there is finished first.
+//
 // Ownership: the object owns its lists, the data store and a writer in
 // progress. Destroying it while a new application is being written
 // removes the temporary files and leaves the target as it was. Not
@@ -61,6 +68,7 @@
 #include "appfile/application_lists.h"
 #include "appfile/summary_pass.h"
 #include "platform/app_file.h"
+#include "platform/application_replace.h"
 #include "platform/script_reachable.h"
 
 namespace rz {
@@ -237,6 +245,8 @@ class ApplicationFile final : public AppFile, public ScriptReachable {
   State state_ = State::kClosed;
   std::unique_ptr<DataStore> store_;           // while reading
   std::unique_ptr<ApplicationWriter> writer_;  // while writing
+  // While writing over an existing application: its staging folder.
+  std::unique_ptr<ApplicationReplacement> replacement_;
   // Navigation: position 0 is before the first record, RecordCount() + 1
   // after the last; current 0 is no record. Mutable because the const
   // DistinctValues may find records gone when it refreshes.

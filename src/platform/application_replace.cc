@@ -342,6 +342,10 @@ ApplicationReadLock::ApplicationReadLock(std::string_view template_path) {
   lock_ = FolderLock::Acquire(names.folder, LockMode::kShared);
 }
 
+bool ApplicationHasLeftovers(std::string_view template_path) {
+  return HasLeftovers(NamesOf(template_path));
+}
+
 ApplicationReplacement::ApplicationReplacement(std::string_view template_path)
     : id_(NewOwnerId()) {
   const AppNames names = NamesOf(template_path);

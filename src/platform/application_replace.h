@@ -84,6 +84,12 @@ class ApplicationReadLock {
   FolderLock lock_;
 };
 
+// True when a replacement of the application at `template_path` left
+// something for RecoverApplication to finish or remove (read without the
+// folder lock: a writer that only needs recovery when something is left
+// checks this first and so does not wait on the readers' lock).
+bool ApplicationHasLeftovers(std::string_view template_path);
+
 class ApplicationReplacement {
  public:
   // Makes the staging folder beside `template_path`. Raises 76 when the

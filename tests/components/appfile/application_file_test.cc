@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -18,8 +19,10 @@
 
 #include "components/appfile/application_test_fixture.h"
 #include "core/error.h"
+#include "platform/application_replace.h"
 #include "platform/script_reachable.h"
 #include "support/error_number.h"
+#include "support/forked.h"
 
 namespace rz {
 namespace {
@@ -286,26 +289,41 @@ TEST_F(ApplicationFileTest, AFailedWriteLeavesTheExistingApplication) {
   EXPECT_EQ(ReadBinaryFile(Path("line4.rzd")), data_bytes);
 }
 
-TEST_F(ApplicationFileTest, AFailedPlacementPutsTheOldDataBack) {
-  // The old application's data is there, and its template's place is
-  // taken by a folder that no file can be renamed over: the data moves in
-  // first, the template fails, and the old data must come back.
-  Export("line4.rzt");
-  const std::string data_bytes = ReadBinaryFile(Path("line4.rzd"));
-  fs::remove(Path("line4.rzt"));
-  fs::create_directory(Path("line4.rzt"));
-  WriteBinaryFileAtomically(Path("line4.rzt/keep"), "x");
-
-  ApplicationFile file;
-  AddVariables(file);
-  file.SetOpenMode(kOpenCreateNew);
-  file.OpenApplication(Path("line4.rzt"));
-  WriteRecords(file, {Records()[1]});
-  const int32_t error = ErrorNumber([&] { file.CloseApplication(); });
-  EXPECT_NE(error, 0);
-  EXPECT_FALSE(file.ApplicationExists());
-  EXPECT_EQ(FolderNames(), (std::set<std::string>{"line4.rzt", "line4.rzd"}));
-  EXPECT_EQ(ReadBinaryFile(Path("line4.rzd")), data_bytes);
+// A new application over an old one replaces it as a whole: killed before
+// the switch commits, the old one comes back whole (its view too); killed
+// after, the new one is finished. The next open finds no leftover.
+TEST_F(ApplicationFileTest, ANewApplicationOverAnOldOneIsSwitchedAsAWhole) {
+  const struct Case {
+    const char* crash_at;
+    bool new_one;
+  } cases[] = {{"staged", false},
+               {"aside-1", false},
+               {"committed", true},
+               {"placed-1", true}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.crash_at);
+    for (const std::string& name : FolderNames()) fs::remove_all(Path(name));
+    Export("line4.rzt");
+    WriteBinaryFileAtomically(Path("line4.V1"), "[GENERAL]\r\n");
+    const int status = RunForked(
+        [&] {
+          Export("line4.rzt", {Records()[2]});
+          return 0;
+        },
+        "RZ_TEST_CRASH_AT", c.crash_at);
+    EXPECT_EQ(status, 128 + SIGKILL);
+    RecoverApplication(Path("line4.rzt"));
+    auto file = Open("line4.rzt");
+    ASSERT_TRUE(file->ApplicationExists());
+    EXPECT_EQ(file->RecordCount(),
+              c.new_one ? 1 : static_cast<int32_t>(Records().size()));
+    EXPECT_EQ(FileExists(Path("line4.V1")), !c.new_one);
+    for (const std::string& name : FolderNames()) {
+      for (const char* tag : {".tmp-", ".old-", ".new-"}) {
+        EXPECT_EQ(name.find(tag), std::string::npos) << name;
+      }
+    }
+  }
 }
 
 TEST_F(ApplicationFileTest, AnUnwritableFolderFailsAtOpen) {
