@@ -8,6 +8,7 @@
 #include "vbscript/vb_errors.h"
 #include "vbscript/vb_interpreter.h"
 #include "vbscript/vb_interpreter_internal.h"
+#include "vbscript/vb_work_clock.h"
 #include "vbscript/vb_operators.h"
 
 namespace rz::vb {
@@ -146,7 +147,12 @@ Variant Interpreter::CallBuiltin(const Builtin& builtin,
   if (!KeepsObjects(builtin.key)) {
     for (Variant& value : values) value = ValueOf(std::move(value));
   }
-  return builtin.fn(*context_, values);
+  // Built-ins read their text arguments whole and build their result.
+  size_t work = 0;
+  for (const Variant& value : values) work += value.TextSize();
+  Variant result = builtin.fn(*context_, values);
+  ChargeWork(work + result.TextSize());
+  return result;
 }
 
 std::optional<Variant> Interpreter::FindGlobalMember(
@@ -261,6 +267,7 @@ bool Interpreter::IsUnknownName(const std::string& key) const {
 void Interpreter::Assign(const Expr& target, const Expr& value_expr,
                          bool is_set) {
   Variant value = Eval(value_expr);
+  ChargeWork(value.TextSize());  // the text is copied into its variable
   if (is_set) {
     if (!value.IsObject()) throw ObjectRequired(target.spelling);
   } else {

@@ -9,6 +9,7 @@
 #include "core/error.h"
 #include "core/text.h"
 #include "vbscript/vb_errors.h"
+#include "vbscript/vb_work_clock.h"
 
 namespace rz::vb {
 namespace {
@@ -63,6 +64,7 @@ Variant Concat(const Variant& a, const Variant& b) {
   const std::string right = b.IsNull() ? std::string() : b.ToString();
   if (text.size() + right.size() > kMaxTextLength) throw OutOfStringSpace();
   text += right;
+  ChargeWork(text.size() + right.size());
   return Variant(std::move(text));
 }
 

@@ -12,6 +12,7 @@
 #include "vbscript/vb_errors.h"
 #include "vbscript/vb_interpreter.h"
 #include "vbscript/vb_parser.h"
+#include "vbscript/vb_work_clock.h"
 
 namespace rz {
 namespace {
@@ -145,6 +146,7 @@ bool VBScriptEngine::Execute(const std::function<void()>& body) {
         vb::Interpreter::Clock::now() + std::chrono::milliseconds(timeout_ms_);
   }
   interpreter_->BeginRun(deadline);
+  const vb::RunDeadline run_deadline(deadline);
   try {
     body();
     return true;

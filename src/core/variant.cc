@@ -198,6 +198,11 @@ double Variant::ToDate() const {
   return ToDouble();
 }
 
+size_t Variant::TextSize() const {
+  const std::string* text = std::get_if<std::string>(&value_);
+  return text == nullptr ? 0 : text->size();
+}
+
 std::string Variant::ToString() const {
   switch (Type()) {
     case VariantType::kEmpty:

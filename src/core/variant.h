@@ -100,6 +100,8 @@ class Variant {
   double ToDouble() const;
   double ToDate() const;
   std::string ToString() const;
+  // The byte size of a held text without copying it; 0 for other types.
+  size_t TextSize() const;
   // The object; raises error 91 for Empty/Null/Nothing, 13 for non-objects.
   std::shared_ptr<Dispatch> ToObject() const;
   // The items; raises error 13 when this is not an array.

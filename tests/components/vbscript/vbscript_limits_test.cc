@@ -255,5 +255,32 @@ TEST(VBScriptLimits, ATimedOutRunLeavesTheEngineUsable) {
   EXPECT_EQ(engine.Run("Next1", none), Variant(int16_t{42}));
 }
 
+// Statements that each take long (a built-in over a 40 MB text, a
+// concatenation, a copy) stop near the time limit, not thousands of
+// statements later.
+TEST(VBScriptLimits, SlowStatementsStopNearTheTimeLimit) {
+  const char* const bodies[] = {
+      "t = Replace(s, \" \", \"y\")",
+      "t = s & \"x\"",
+      "t = Mid(s, 2)",
+  };
+  for (const char* body : bodies) {
+    VBScriptEngine engine(nullptr);
+    engine.SetTimeout(300);
+    ASSERT_TRUE(engine.AddCode(std::string("Sub Slow()\nDim s, t\n"
+                                           "s = Space(40000000)\nDo\n") +
+                               body + "\nLoop\nEnd Sub\n"));
+    DispatchArgs none;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(engine.Run("Slow", none).has_value()) << body;
+    const double seconds = std::chrono::duration<double>(
+                               std::chrono::steady_clock::now() - start)
+                               .count();
+    EXPECT_EQ(engine.LastError().number, static_cast<int32_t>(0x80004004))
+        << body;
+    EXPECT_LT(seconds, 10.0) << body;  // thousands of statements take minutes
+  }
+}
+
 }  // namespace
 }  // namespace rz::testing
