@@ -89,6 +89,28 @@ void Interpreter::BeginRun(std::optional<Clock::time_point> deadline) {
   frames_[0]->with_objects.clear();
 }
 
+size_t Interpreter::HeldBytes() const {
+  size_t bytes = 0;
+  std::vector<const Variant*> pending;
+  for (const std::unique_ptr<Frame>& frame : frames_) {
+    for (const auto& [name, slot] : frame->locals)
+      pending.push_back(&slot->value);
+  }
+  // Nested arrays are walked without recursion (they may be deep).
+  while (!pending.empty()) {
+    const Variant* value = pending.back();
+    pending.pop_back();
+    bytes += value->TextSize();
+    if (!value->IsArray()) continue;
+    const VariantArray& items = value->ToArray();
+    bytes += items.size() * sizeof(Variant);
+    for (const Variant& item : items) {
+      if (item.IsArray() || item.TextSize() > 0) pending.push_back(&item);
+    }
+  }
+  return bytes;
+}
+
 void Interpreter::Load(Program program) {
   for (auto& procedure : program.procedures) {
     if (procedures_.find(procedure->key) == procedures_.end()) {

@@ -66,6 +66,10 @@ class Interpreter {
   // Runs `procedure` with `args`; ByRef parameters write back into `args`.
   Variant Call(const Procedure& procedure, DispatchArgs& args);
 
+  // The bytes the script's variables hold in texts and arrays (an estimate
+  // that counts a shared array once per variable holding it).
+  size_t HeldBytes() const;
+
   // Where the last error that left Load/Call happened (0/"" if unknown).
   int32_t ErrorLine() const { return error_line_; }
   std::string ErrorText() const;

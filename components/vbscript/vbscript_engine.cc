@@ -146,7 +146,8 @@ bool VBScriptEngine::Execute(const std::function<void()>& body) {
         vb::Interpreter::Clock::now() + std::chrono::milliseconds(timeout_ms_);
   }
   interpreter_->BeginRun(deadline);
-  const vb::RunDeadline run_deadline(deadline);
+  const vb::RunDeadline run_deadline(
+      deadline, [this] { return interpreter_->HeldBytes(); });
   try {
     body();
     return true;

@@ -255,6 +255,25 @@ TEST(VBScriptLimits, ATimedOutRunLeavesTheEngineUsable) {
   EXPECT_EQ(engine.Run("Next1", none), Variant(int16_t{42}));
 }
 
+// Every text is within its own limit, but together they would hold
+// 630 MB: the run fails with error 7 once they pass 256 MiB, and the
+// engine runs the next procedure.
+TEST(VBScriptLimits, TheTextsAScriptHoldsAreLimitedAsAWhole) {
+  VBScriptEngine engine(nullptr);
+  ASSERT_TRUE(engine.AddCode(
+      "Dim a(20)\n"
+      "Function Hoard()\nDim i\nFor i = 0 To 20\n"
+      "a(i) = Space(30000000)\nNext\nHoard = \"kept\"\nEnd Function\n"
+      "Sub Release()\nErase a\nEnd Sub\n"
+      "Function Small()\nSmall = Len(Space(1000))\nEnd Function\n"));
+  DispatchArgs none;
+  EXPECT_FALSE(engine.Run("Hoard", none).has_value());
+  EXPECT_EQ(engine.LastError().number, 7);
+  EXPECT_EQ(engine.LastError().line, 5);  // the assignment
+  engine.Run("Release", none);
+  EXPECT_EQ(engine.Run("Small", none), Variant(int32_t{1000}));
+}
+
 // Statements that each take long (a built-in over a 40 MB text, a
 // concatenation, a copy) stop near the time limit, not thousands of
 // statements later.
@@ -273,9 +292,9 @@ TEST(VBScriptLimits, SlowStatementsStopNearTheTimeLimit) {
     DispatchArgs none;
     const auto start = std::chrono::steady_clock::now();
     EXPECT_FALSE(engine.Run("Slow", none).has_value()) << body;
-    const double seconds = std::chrono::duration<double>(
-                               std::chrono::steady_clock::now() - start)
-                               .count();
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
+            .count();
     EXPECT_EQ(engine.LastError().number, static_cast<int32_t>(0x80004004))
         << body;
     EXPECT_LT(seconds, 10.0) << body;  // thousands of statements take minutes
