@@ -3,7 +3,11 @@
 // InputDialog asks the user for one value, offering the values a variable
 // takes in an application's data: it shows the run-time parameter dialog
 // (InputDialogForm) modally through the platform's toolkit and keeps the
-// answer. All members start empty, 0 or false.
+// answer. All members start empty, 0 or false; RecentFilters starts as an
+// empty list the dialog carries for its host. Dispatch: every member under
+// its name (Variable, RZFile, RecentFilters, InputText, DefaultText,
+// Cancel, Prompt, Title, ShowDialog x y, ShowOptions, Excluded, Width,
+// Height, ShowCancel); Cancel, Width and Height are read-only.
 //
 // PromptValue is the engine's question of a "?" filter row: the dialog
 // without options or Cancel, centred on the screen, over the engine's
@@ -16,6 +20,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/dispatch.h"
+#include "run/recent_filters.h"
 
 namespace rz {
 
@@ -23,7 +32,7 @@ class AppFile;
 class Toolkit;
 struct ViewState;
 
-class InputDialog {
+class InputDialog : public Dispatch {
  public:
   explicit InputDialog(Toolkit& toolkit) : toolkit_(toolkit) {}
 
@@ -31,6 +40,11 @@ class InputDialog {
   void SetVariable(int32_t value) { variable_ = value; }
   std::shared_ptr<AppFile> RZFile() const { return rz_file_; }
   void SetRZFile(std::shared_ptr<AppFile> file) { rz_file_ = std::move(file); }
+  std::shared_ptr<rz::RecentFilters> RecentFilters() const {
+    return recent_filters_;
+  }
+  // Error 91 for null.
+  void SetRecentFilters(std::shared_ptr<rz::RecentFilters> list);
   const std::string& InputText() const { return input_text_; }
   void SetInputText(std::string value) { input_text_ = std::move(value); }
   const std::string& DefaultText() const { return default_text_; }
@@ -53,10 +67,17 @@ class InputDialog {
   // Shows the dialog modally at (x, y) twips; returns when it is closed.
   void ShowDialog(float x, float y);
 
+  std::string_view ClassName() const override { return "InputDialog"; }
+  Variant Invoke(std::string_view name, InvokeKind kind,
+                 DispatchArgs& args) override;
+  std::vector<std::string> MemberNames() const override;
+
  private:
   Toolkit& toolkit_;
   int32_t variable_ = 0;
   std::shared_ptr<AppFile> rz_file_;
+  std::shared_ptr<rz::RecentFilters> recent_filters_ =
+      std::make_shared<rz::RecentFilters>();
   std::string input_text_;
   std::string default_text_;
   bool cancel_ = false;

@@ -12,7 +12,9 @@
 #include "platform/app_file.h"
 #include "platform/headless_toolkit.h"
 #include "run/input_dialog.h"
+#include "run/recent_filters.h"
 #include "support/component_platform.h"
+#include "support/error_number.h"
 #include "support/temp_folder.h"
 #include "ui/input_dialog_form.h"
 #include "ui/splash_model.h"
@@ -80,6 +82,42 @@ TEST(InputDialogTest, OptionsCancelAndHeights) {
   dialog.ShowDialog(0, 0);
   EXPECT_FALSE(dialog.Cancel());
   EXPECT_EQ(dialog.InputText(), "typed");
+}
+
+TEST(RecentFiltersTest, ItemsByPositionOrKey) {
+  RecentFilters list;
+  list.Add("Operator", "K. Okafor", "op");
+  list.Add("Line", "Line 4");
+  EXPECT_EQ(list.Count(), 2);
+  EXPECT_EQ(list.Item(Variant("OP"))->FilterText(), "K. Okafor");
+  EXPECT_EQ(list.Item(Variant(int16_t{2}))->Key(), "Line");
+  EXPECT_EQ(ErrorNumber([&] { list.Item(Variant("none")); }), 5);
+  EXPECT_EQ(ErrorNumber([&] { list.Item(Variant(int16_t{3})); }), 5);
+  EXPECT_EQ(ErrorNumber([&] { list.Add("x", "y", "Op"); }), 457);
+  list.Remove(Variant("op"));
+  EXPECT_EQ(list.Count(), 1);
+  EXPECT_EQ(list.Enumerate().size(), 1u);
+  list.Clear();
+  EXPECT_EQ(list.Count(), 0);
+}
+
+// The dialog as a host's script reaches it: every member by name, the
+// read-only ones refused a value.
+TEST(InputDialogTest, EveryMemberIsReachableByName) {
+  HeadlessToolkit toolkit;
+  InputDialog dialog(toolkit);
+  dialog.Put("Title", Variant("Pick"));
+  dialog.Put("ShowOptions", Variant(true));
+  EXPECT_EQ(dialog.Get("Title"), Variant("Pick"));
+  EXPECT_EQ(dialog.Get("Height"), Variant(int32_t{3105}));
+  EXPECT_EQ(ErrorNumber([&] { dialog.Put("Cancel", Variant(true)); }), 438);
+  EXPECT_EQ(ErrorNumber([&] { dialog.Put("RecentFilters", Variant()); }), 91);
+  const Variant list = dialog.Get("RecentFilters");
+  ASSERT_TRUE(list.IsObject());
+  EXPECT_EQ(list.ToObject(), dialog.Get("RecentFilters").ToObject());
+  for (const std::string& member : dialog.MemberNames()) {
+    EXPECT_NE(ErrorNumber([&] { dialog.Get(member); }), 438) << member;
+  }
 }
 
 TEST(SplashModelTest, CentredNotClosableByTheUserAndClosedWithTheRun) {
