@@ -138,8 +138,7 @@ std::shared_ptr<FieldDefinition> AppVariableList::Add(
   return definition;
 }
 
-Variant AppVariableList::Invoke(std::string_view name, InvokeKind kind,
-                                DispatchArgs& args) {
+const DispatchTable<AppVariableList>& AppVariableList::Members() {
   using Table = DispatchTable<AppVariableList>;
   static const Table table = [] {
     Table t;
@@ -161,11 +160,16 @@ Variant AppVariableList::Invoke(std::string_view name, InvokeKind kind,
         .Default("Item");
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant AppVariableList::Invoke(std::string_view name, InvokeKind kind,
+                                DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> AppVariableList::MemberNames() const {
-  return {"Item", "Count", "Add"};
+  return Members().Names();
 }
 
 VariantArray AppVariableList::Enumerate() {
@@ -182,8 +186,7 @@ Rule AppRuleList::Item(int32_t index) const {
   return rules_[ListSlot(index, rules_.size())];
 }
 
-Variant AppRuleList::Invoke(std::string_view name, InvokeKind kind,
-                            DispatchArgs& args) {
+const DispatchTable<AppRuleList>& AppRuleList::Members() {
   using Table = DispatchTable<AppRuleList>;
   static const Table table = [] {
     Table t;
@@ -197,11 +200,16 @@ Variant AppRuleList::Invoke(std::string_view name, InvokeKind kind,
         .Default("Item");
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant AppRuleList::Invoke(std::string_view name, InvokeKind kind,
+                            DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> AppRuleList::MemberNames() const {
-  return {"Item", "Count"};
+  return Members().Names();
 }
 
 VariantArray AppRuleList::Enumerate() {
@@ -256,8 +264,7 @@ void AppViewCatalogue::SetDefaultView(int32_t position) {
   default_view_ = position;
 }
 
-Variant AppViewCatalogue::Invoke(std::string_view name, InvokeKind kind,
-                                 DispatchArgs& args) {
+const DispatchTable<AppViewCatalogue>& AppViewCatalogue::Members() {
   using Table = DispatchTable<AppViewCatalogue>;
   static const Table table = [] {
     Table t;
@@ -305,11 +312,16 @@ Variant AppViewCatalogue::Invoke(std::string_view name, InvokeKind kind,
         .Default("Item");
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant AppViewCatalogue::Invoke(std::string_view name, InvokeKind kind,
+                                 DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> AppViewCatalogue::MemberNames() const {
-  return {"Item", "Count", "Add", "Remove", "Swap", "DefaultView", "Save"};
+  return Members().Names();
 }
 
 VariantArray AppViewCatalogue::Enumerate() {
@@ -342,8 +354,7 @@ Condition AppConditionList::Item(int32_t index) const {
   return entries_[ListSlot(index, entries_.size())];
 }
 
-Variant AppConditionList::Invoke(std::string_view name, InvokeKind kind,
-                                 DispatchArgs& args) {
+const DispatchTable<AppConditionList>& AppConditionList::Members() {
   using Table = DispatchTable<AppConditionList>;
   static const Table table = [] {
     Table t;
@@ -370,11 +381,16 @@ Variant AppConditionList::Invoke(std::string_view name, InvokeKind kind,
         .Default("Item");
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant AppConditionList::Invoke(std::string_view name, InvokeKind kind,
+                                 DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> AppConditionList::MemberNames() const {
-  return {"Item", "Count", "Clear", "Add"};
+  return Members().Names();
 }
 
 VariantArray AppConditionList::Enumerate() {
@@ -395,8 +411,7 @@ int32_t AppSortKeyList::Count() const {
   return static_cast<int32_t>(keys_.size());
 }
 
-Variant AppSortKeyList::Invoke(std::string_view name, InvokeKind kind,
-                               DispatchArgs& args) {
+const DispatchTable<AppSortKeyList>& AppSortKeyList::Members() {
   using Table = DispatchTable<AppSortKeyList>;
   static const Table table = [] {
     Table t;
@@ -415,19 +430,23 @@ Variant AppSortKeyList::Invoke(std::string_view name, InvokeKind kind,
         .Property("Count", CountOf<AppSortKeyList>);
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant AppSortKeyList::Invoke(std::string_view name, InvokeKind kind,
+                               DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> AppSortKeyList::MemberNames() const {
-  return {"Reset", "Add", "Count"};
+  return Members().Names();
 }
 
 int32_t AppSummaryKeyList::Count() const {
   return static_cast<int32_t>(keys_.size());
 }
 
-Variant AppSummaryKeyList::Invoke(std::string_view name, InvokeKind kind,
-                                  DispatchArgs& args) {
+const DispatchTable<AppSummaryKeyList>& AppSummaryKeyList::Members() {
   using Table = DispatchTable<AppSummaryKeyList>;
   static const Table table = [] {
     Table t;
@@ -446,11 +465,16 @@ Variant AppSummaryKeyList::Invoke(std::string_view name, InvokeKind kind,
         .Property("Count", CountOf<AppSummaryKeyList>);
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant AppSummaryKeyList::Invoke(std::string_view name, InvokeKind kind,
+                                  DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> AppSummaryKeyList::MemberNames() const {
-  return {"Reset", "Add", "Count"};
+  return Members().Names();
 }
 
 int32_t AppSummaryCursor::Count() const {
@@ -461,8 +485,7 @@ SummaryGroup AppSummaryCursor::Item(int32_t index) const {
   return groups_[ListSlot(index, groups_.size())];
 }
 
-Variant AppSummaryCursor::Invoke(std::string_view name, InvokeKind kind,
-                                 DispatchArgs& args) {
+const DispatchTable<AppSummaryCursor>& AppSummaryCursor::Members() {
   using Table = DispatchTable<AppSummaryCursor>;
   static const Table table = [] {
     Table t;
@@ -481,11 +504,16 @@ Variant AppSummaryCursor::Invoke(std::string_view name, InvokeKind kind,
         .Default("Item");
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant AppSummaryCursor::Invoke(std::string_view name, InvokeKind kind,
+                                 DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> AppSummaryCursor::MemberNames() const {
-  return {"Item", "Count", "Reset"};
+  return Members().Names();
 }
 
 VariantArray AppSummaryCursor::Enumerate() {
@@ -503,8 +531,7 @@ ColumnStatistic AppColumnStatistics::Item(int16_t variable) const {
   return statistics_(variable);
 }
 
-Variant AppColumnStatistics::Invoke(std::string_view name, InvokeKind kind,
-                                    DispatchArgs& args) {
+const DispatchTable<AppColumnStatistics>& AppColumnStatistics::Members() {
   using Table = DispatchTable<AppColumnStatistics>;
   static const Table table = [] {
     Table t;
@@ -519,11 +546,16 @@ Variant AppColumnStatistics::Invoke(std::string_view name, InvokeKind kind,
         .Default("Item");
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant AppColumnStatistics::Invoke(std::string_view name, InvokeKind kind,
+                                    DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> AppColumnStatistics::MemberNames() const {
-  return {"Item", "Count"};
+  return Members().Names();
 }
 
 Variant ColumnStatisticObject::Invoke(std::string_view name, InvokeKind kind,

@@ -54,6 +54,8 @@ class AppVariableList final : public VariableList, public Dispatch {
                                        int16_t decimals) override;
 
   std::string_view ClassName() const override { return "Variables"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<AppVariableList>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
@@ -76,6 +78,8 @@ class AppRuleList final : public RuleList, public Dispatch {
   Rule Item(int32_t index) const override;
 
   std::string_view ClassName() const override { return "Rules"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<AppRuleList>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
@@ -101,6 +105,8 @@ class AppViewCatalogue final : public ViewCatalogue, public Dispatch {
   void Save() override { save_(); }
 
   std::string_view ClassName() const override { return "Views"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<AppViewCatalogue>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
@@ -127,6 +133,8 @@ class AppConditionList final : public ConditionList, public Dispatch {
   uint64_t Generation() const { return generation_; }
 
   std::string_view ClassName() const override { return "Conditions"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<AppConditionList>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
@@ -147,6 +155,8 @@ class AppSortKeyList final : public SortKeyList, public Dispatch {
   const std::vector<std::array<int16_t, 2>>& Keys() const { return keys_; }
 
   std::string_view ClassName() const override { return "SortKeys"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<AppSortKeyList>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
@@ -164,6 +174,8 @@ class AppSummaryKeyList final : public SummaryKeyList, public Dispatch {
   const std::vector<int32_t>& Keys() const { return keys_; }
 
   std::string_view ClassName() const override { return "SummaryKeys"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<AppSummaryKeyList>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
@@ -188,6 +200,8 @@ class AppSummaryCursor final : public SummaryCursorList, public Dispatch {
   std::vector<SummaryGroup>& Groups() { return groups_; }
 
   std::string_view ClassName() const override { return "SummaryCursor"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<AppSummaryCursor>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
@@ -213,6 +227,8 @@ class AppColumnStatistics final : public ColumnStatisticsList, public Dispatch {
   ColumnStatistic Item(int16_t variable) const override;
 
   std::string_view ClassName() const override { return "ColumnStatistics"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<AppColumnStatistics>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;

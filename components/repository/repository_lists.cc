@@ -194,8 +194,7 @@ std::shared_ptr<RepositoryField> RepositoryFields::Add(std::string_view name,
   return field;
 }
 
-Variant RepositoryFields::Invoke(std::string_view name, InvokeKind kind,
-                                 DispatchArgs& args) {
+const DispatchTable<RepositoryFields>& RepositoryFields::Members() {
   using Self = RepositoryFields;
   static const DispatchTable<Self> table = [] {
     DispatchTable<Self> t;
@@ -219,11 +218,16 @@ Variant RepositoryFields::Invoke(std::string_view name, InvokeKind kind,
         .Default("Item");
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant RepositoryFields::Invoke(std::string_view name, InvokeKind kind,
+                                 DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> RepositoryFields::MemberNames() const {
-  return {"Count", "Item", "Add"};
+  return Members().Names();
 }
 
 VariantArray RepositoryFields::Enumerate() {
@@ -268,8 +272,7 @@ std::shared_ptr<RuleEntry> RepositoryRules::Find(std::string_view key) const {
   return nullptr;
 }
 
-Variant RepositoryRules::Invoke(std::string_view name, InvokeKind kind,
-                                DispatchArgs& args) {
+const DispatchTable<RepositoryRules>& RepositoryRules::Members() {
   using Self = RepositoryRules;
   static const DispatchTable<Self> table = [] {
     DispatchTable<Self> t;
@@ -291,11 +294,16 @@ Variant RepositoryRules::Invoke(std::string_view name, InvokeKind kind,
         .Default("Item");
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant RepositoryRules::Invoke(std::string_view name, InvokeKind kind,
+                                DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> RepositoryRules::MemberNames() const {
-  return {"Count", "Item", "Add"};
+  return Members().Names();
 }
 
 VariantArray RepositoryRules::Enumerate() {
@@ -315,8 +323,7 @@ StatisticEntry RepositoryStatistics::Item(int32_t index) const {
   return statistics[ListSlot(index, statistics.size())];
 }
 
-Variant RepositoryStatistics::Invoke(std::string_view name, InvokeKind kind,
-                                     DispatchArgs& args) {
+const DispatchTable<RepositoryStatistics>& RepositoryStatistics::Members() {
   using Self = RepositoryStatistics;
   static const DispatchTable<Self> table = [] {
     DispatchTable<Self> t;
@@ -331,11 +338,16 @@ Variant RepositoryStatistics::Invoke(std::string_view name, InvokeKind kind,
         .Default("Item");
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant RepositoryStatistics::Invoke(std::string_view name, InvokeKind kind,
+                                     DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> RepositoryStatistics::MemberNames() const {
-  return {"Count", "Item"};
+  return Members().Names();
 }
 
 VariantArray RepositoryStatistics::Enumerate() {

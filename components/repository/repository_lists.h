@@ -57,6 +57,8 @@ class RepositoryFields : public RepositoryFieldList, public Dispatch {
   void Clear() { fields_.clear(); }
 
   std::string_view ClassName() const override { return "RepositoryFields"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<RepositoryFields>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
@@ -76,6 +78,8 @@ class RepositoryRules : public RuleCatalogueList, public Dispatch {
   void Clear() { rules_.clear(); }
 
   std::string_view ClassName() const override { return "RuleCatalogue"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<RepositoryRules>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
@@ -93,6 +97,8 @@ class RepositoryStatistics : public StatisticsCatalogueList, public Dispatch {
   StatisticEntry Item(int32_t index) const override;
 
   std::string_view ClassName() const override { return "StatisticsCatalogue"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<RepositoryStatistics>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;

@@ -80,8 +80,7 @@ Variant ResultRepository::ListObject(Dispatch& list) {
   return Variant(std::shared_ptr<Dispatch>(weak_from_this().lock(), &list));
 }
 
-Variant ResultRepository::Invoke(std::string_view name, InvokeKind kind,
-                                 DispatchArgs& args) {
+const DispatchTable<ResultRepository>& ResultRepository::Members() {
   using Table = DispatchTable<ResultRepository>;
   using Self = ResultRepository;
   static const Table table = [] {
@@ -198,29 +197,16 @@ Variant ResultRepository::Invoke(std::string_view name, InvokeKind kind,
         });
     return t;
   }();
-  return table.Invoke(*this, name, kind, args);
+  return table;
+}
+
+Variant ResultRepository::Invoke(std::string_view name, InvokeKind kind,
+                                 DispatchArgs& args) {
+  return Members().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> ResultRepository::MemberNames() const {
-  return {"ResetRepository",
-          "RecordCount",
-          "Value",
-          "DeleteRecord",
-          "SetSourceRecord",
-          "SourceRecord",
-          "Title",
-          "SpecialColumn1",
-          "SpecialColumn2",
-          "SpecialColumn3",
-          "LeadingColumnCount",
-          "FileSetting1",
-          "FileSetting2",
-          "FileSetting3",
-          "DateFormat",
-          "TimeFormat",
-          "Fields",
-          "RuleCatalogue",
-          "StatisticsCatalogue"};
+  return Members().Names();
 }
 
 }  // namespace rz

@@ -95,6 +95,8 @@ class ResultRepository : public Repository {
   size_t OutOfLineValues() const { return cells_.LiveArenaSlots(); }
 
   std::string_view ClassName() const override { return "RzRep"; }
+  // The members scripts reach, which Invoke and MemberNames share.
+  static const DispatchTable<ResultRepository>& Members();
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
