@@ -19,8 +19,8 @@
 // Errors: none is caught. An error of the application file, the
 // repository, the progress window or the input-file reader ends the run
 // where it happens and reaches the caller; stages not reached are skipped
-// (the progress window stays as it was closed by the caller's cleanup,
-// Cancel keeps its value). Script errors stay inside the script host.
+// and Cancel keeps its value, but the progress window is closed all the
+// same. Script errors stay inside the script host.
 // Single-threaded; not re-entrant (the caller guards against re-entry).
 
 #ifndef RZ_RUN_RUN_DRIVER_H_
