@@ -16,63 +16,65 @@ namespace {
 
 using Table = DispatchTable<RZselect>;
 
+// Writes go through the engine's typed setters, as a host's do.
+template <void (RZselect::*S)(bool)>
+void SetBool(RZselect& e, const Variant& v, DispatchArgs&) {
+  (e.*S)(v.ToBool());
+}
+template <void (RZselect::*S)(std::string)>
+void SetString(RZselect& e, const Variant& v, DispatchArgs&) {
+  (e.*S)(v.ToString());
+}
+template <void (RZselect::*S)(int16_t)>
+void SetInt16(RZselect& e, const Variant& v, DispatchArgs&) {
+  (e.*S)(v.ToInteger());
+}
+template <void (RZselect::*S)(int32_t)>
+void SetInt32(RZselect& e, const Variant& v, DispatchArgs&) {
+  (e.*S)(v.ToLong());
+}
+template <void (RZselect::*S)(double)>
+void SetDouble(RZselect& e, const Variant& v, DispatchArgs&) {
+  (e.*S)(v.ToDouble());
+}
+template <void (RZselect::*S)(double)>
+void SetDate(RZselect& e, const Variant& v, DispatchArgs&) {
+  (e.*S)(v.ToDate());
+}
+template <void (RZselect::*S)(rzScreenTypes)>
+void SetScreen(RZselect& e, const Variant& v, DispatchArgs&) {
+  (e.*S)(static_cast<rzScreenTypes>(v.ToLong()));
+}
+
 // Accessors of one ViewState field by its conversion kind.
 template <int16_t ViewState::*F>
 Variant GetInt16(RZselect& e, DispatchArgs&) {
   return e.State().*F;
 }
-template <int16_t ViewState::*F>
-void PutInt16(RZselect& e, const Variant& v, DispatchArgs&) {
-  e.State().*F = v.ToInteger();
-}
 template <int32_t ViewState::*F>
 Variant GetInt32(RZselect& e, DispatchArgs&) {
   return e.State().*F;
-}
-template <int32_t ViewState::*F>
-void PutInt32(RZselect& e, const Variant& v, DispatchArgs&) {
-  e.State().*F = v.ToLong();
 }
 template <double ViewState::*F>
 Variant GetDouble(RZselect& e, DispatchArgs&) {
   return e.State().*F;
 }
 template <double ViewState::*F>
-void PutDouble(RZselect& e, const Variant& v, DispatchArgs&) {
-  e.State().*F = v.ToDouble();
-}
-template <double ViewState::*F>
 Variant GetDate(RZselect& e, DispatchArgs&) {
   return Variant::Date(e.State().*F);
-}
-template <double ViewState::*F>
-void PutDate(RZselect& e, const Variant& v, DispatchArgs&) {
-  e.State().*F = v.ToDate();
 }
 template <std::string ViewState::*F>
 Variant GetText(RZselect& e, DispatchArgs&) {
   return e.State().*F;
 }
-template <std::string ViewState::*F>
-void PutText(RZselect& e, const Variant& v, DispatchArgs&) {
-  e.State().*F = v.ToString();
-}
 template <bool ViewState::*F>
 Variant GetFlag(RZselect& e, DispatchArgs&) {
   return e.State().*F;
-}
-template <bool ViewState::*F>
-void PutFlag(RZselect& e, const Variant& v, DispatchArgs&) {
-  e.State().*F = v.ToBool();
 }
 // A 16-bit field read and written as a flag (true stored as -1).
 template <int16_t ViewState::*F>
 Variant GetFlag16(RZselect& e, DispatchArgs&) {
   return e.State().*F != 0;
-}
-template <int16_t ViewState::*F>
-void PutFlag16(RZselect& e, const Variant& v, DispatchArgs&) {
-  e.State().*F = v.ToBool() ? int16_t{-1} : int16_t{0};
 }
 
 // The object of an object-valued argument, cast to the expected class;
@@ -97,7 +99,7 @@ Variant AsObject(std::shared_ptr<Dispatch> object) { return Variant(object); }
 
 void AddProperties(Table& t) {
   t.Property("DisplayPacifier", GetFlag<&ViewState::DisplayPacifier>,
-             PutFlag<&ViewState::DisplayPacifier>)
+             SetBool<&RZselect::SetDisplayPacifier>)
       .Property(
           "Where",
           [](RZselect& e, DispatchArgs&) { return AsObject(e.Where()); },
@@ -125,83 +127,83 @@ void AddProperties(Table& t) {
             e.SetDataSource(ObjectOf<Repository>(v));
           })
       .Property("Filename", GetText<&ViewState::Filename>,
-                PutText<&ViewState::Filename>)
+                SetString<&RZselect::SetFilename>)
       .Property("Cancel", GetFlag<&ViewState::Cancel>,
-                PutFlag<&ViewState::Cancel>)
+                SetBool<&RZselect::SetCancel>)
       .Property("PlusMinus", GetInt16<&ViewState::PlusMinus>,
-                PutInt16<&ViewState::PlusMinus>)
+                SetInt16<&RZselect::SetPlusMinus>)
       .Property("SumBy", GetInt16<&ViewState::SumBy>,
-                PutInt16<&ViewState::SumBy>)
+                SetInt16<&RZselect::SetSumBy>)
       .Property("NullPivots", GetInt16<&ViewState::NullPivots>,
-                PutInt16<&ViewState::NullPivots>)
+                SetInt16<&RZselect::SetNullPivots>)
       .Property("NullIntervals", GetInt16<&ViewState::NullIntervals>,
-                PutInt16<&ViewState::NullIntervals>)
+                SetInt16<&RZselect::SetNullIntervals>)
       .Property("ExcludeEmpty", GetInt16<&ViewState::ExcludeEmpty>,
-                PutInt16<&ViewState::ExcludeEmpty>)
+                SetInt16<&RZselect::SetExcludeEmpty>)
       .Property("ShiftDuration", GetDouble<&ViewState::ShiftDuration>,
-                PutDouble<&ViewState::ShiftDuration>)
+                SetDouble<&RZselect::SetShiftDuration>)
       .Property("ShiftStart", GetDouble<&ViewState::ShiftStart>,
-                PutDouble<&ViewState::ShiftStart>)
+                SetDouble<&RZselect::SetShiftStart>)
       .Property("YearBegins", GetInt16<&ViewState::YearBegins>,
-                PutInt16<&ViewState::YearBegins>)
+                SetInt16<&RZselect::SetYearBegins>)
       .Property("WeekDays", GetInt16<&ViewState::WeekDays>,
-                PutInt16<&ViewState::WeekDays>)
+                SetInt16<&RZselect::SetWeekDays>)
       .Property("Interval", GetDouble<&ViewState::Interval>,
-                PutDouble<&ViewState::Interval>)
+                SetDouble<&RZselect::SetInterval>)
       .Property("ReturnScreen", GetInt32<&ViewState::ReturnScreen>,
-                PutInt32<&ViewState::ReturnScreen>)
+                SetScreen<&RZselect::SetReturnScreen>)
       .Property("BegDateTime", GetText<&ViewState::BegText>,
-                PutDate<&ViewState::BegDate>)
+                SetDate<&RZselect::SetBegDateTime>)
       .Property("EndDateTime", GetText<&ViewState::EndText>,
-                PutDate<&ViewState::EndDate>)
+                SetDate<&RZselect::SetEndDateTime>)
       .Property("ReportType", GetInt32<&ViewState::ReportType>,
-                PutInt32<&ViewState::ReportType>)
+                SetInt32<&RZselect::SetReportType>)
       .Property("ReportHeader", GetText<&ViewState::ReportHeader>,
-                PutText<&ViewState::ReportHeader>)
+                SetString<&RZselect::SetReportHeader>)
       .Property("ReportFooter", GetText<&ViewState::ReportFooter>,
-                PutText<&ViewState::ReportFooter>)
+                SetString<&RZselect::SetReportFooter>)
       .Property("ReportNumericOnly", GetFlag16<&ViewState::ReportNumericOnly>,
-                PutFlag16<&ViewState::ReportNumericOnly>)
+                SetBool<&RZselect::SetReportNumericOnly>)
       .Property("ReportIncludeDetails",
                 GetFlag16<&ViewState::ReportIncludeDetails>,
-                PutFlag16<&ViewState::ReportIncludeDetails>)
+                SetBool<&RZselect::SetReportIncludeDetails>)
       .Property("ReportIncludeColumns",
                 GetFlag16<&ViewState::ReportIncludeColumns>,
-                PutFlag16<&ViewState::ReportIncludeColumns>)
+                SetBool<&RZselect::SetReportIncludeColumns>)
       .Property("ReportIncludeStatistics",
                 GetFlag16<&ViewState::ReportIncludeStatistics>,
-                PutFlag16<&ViewState::ReportIncludeStatistics>)
+                SetBool<&RZselect::SetReportIncludeStatistics>)
       .Property("ReportIncludeFilter",
                 GetFlag16<&ViewState::ReportIncludeFilter>,
-                PutFlag16<&ViewState::ReportIncludeFilter>)
+                SetBool<&RZselect::SetReportIncludeFilter>)
       .Property("ReadOnly", GetFlag<&ViewState::ReadOnly>,
-                PutFlag<&ViewState::ReadOnly>)
+                SetBool<&RZselect::SetReadOnly>)
       .Property("FilterRangeType", GetInt32<&ViewState::FilterRangeType>,
-                PutInt32<&ViewState::FilterRangeType>)
+                SetInt32<&RZselect::SetFilterRangeType>)
       .Property("FromType", GetInt32<&ViewState::FromType>,
-                PutInt32<&ViewState::FromType>)
+                SetInt32<&RZselect::SetFromType>)
       .Property("FromDateTime", GetDate<&ViewState::FromDateTime>,
-                PutDate<&ViewState::FromDateTime>)
+                SetDate<&RZselect::SetFromDateTime>)
       .Property("ForwardAmount", GetInt32<&ViewState::ForwardAmount>,
-                PutInt32<&ViewState::ForwardAmount>)
+                SetInt32<&RZselect::SetForwardAmount>)
       .Property("ForwardUnits", GetInt32<&ViewState::ForwardUnits>,
-                PutInt32<&ViewState::ForwardUnits>)
+                SetInt32<&RZselect::SetForwardUnits>)
       .Property("ToType", GetInt32<&ViewState::ToType>,
-                PutInt32<&ViewState::ToType>)
+                SetInt32<&RZselect::SetToType>)
       .Property("ToDateTime", GetDate<&ViewState::ToDateTime>,
-                PutDate<&ViewState::ToDateTime>)
+                SetDate<&RZselect::SetToDateTime>)
       .Property("BackwardAmount", GetInt32<&ViewState::BackwardAmount>,
-                PutInt32<&ViewState::BackwardAmount>)
+                SetInt32<&RZselect::SetBackwardAmount>)
       .Property("BackwardUnits", GetInt32<&ViewState::BackwardUnits>,
-                PutInt32<&ViewState::BackwardUnits>)
+                SetInt32<&RZselect::SetBackwardUnits>)
       .Property("CurrentViewName", GetText<&ViewState::CurrentViewName>,
-                PutText<&ViewState::CurrentViewName>)
+                SetString<&RZselect::SetCurrentViewName>)
       .Property("LastRZTdateTime", GetDate<&ViewState::LastRZTdateTime>,
-                PutDate<&ViewState::LastRZTdateTime>)
+                SetDate<&RZselect::SetLastRZTdateTime>)
       .Property("LastRZDdateTime", GetDate<&ViewState::LastRZDdateTime>,
-                PutDate<&ViewState::LastRZDdateTime>)
+                SetDate<&RZselect::SetLastRZDdateTime>)
       .Property("UserIdentification", GetText<&ViewState::UserIdentification>,
-                PutText<&ViewState::UserIdentification>)
+                SetString<&RZselect::SetUserIdentification>)
       .Property(
           "RZaccess",
           [](RZselect& e, DispatchArgs&) { return AsObject(e.RZaccess()); },
@@ -209,9 +211,9 @@ void AddProperties(Table& t) {
             e.SetRZaccess(ObjectOf<AppFile>(v));
           })
       .Property("RunCaption", GetText<&ViewState::RunCaption>,
-                PutText<&ViewState::RunCaption>)
+                SetString<&RZselect::SetRunCaption>)
       .Property("RunTooltip", GetText<&ViewState::RunTooltip>,
-                PutText<&ViewState::RunTooltip>);
+                SetString<&RZselect::SetRunTooltip>);
 }
 
 std::string TextArgument(const DispatchArgs& args, size_t index) {
