@@ -18,9 +18,9 @@
 // EndOfSummary, SummaryPosition, SummaryExtent, RestrictStatistics and
 // ColumnStatistics().Item) raises error 5 "not supported by the fake".
 //
-// Dispatch ("RZaccess") offers a small set of members by name, without
-// regard to case: AppTitle (and Title), BasePath, AppFolder, RecordCount,
-// MoveFirst, ReadNext, MoveLast, ReadPrevious, GotoRecord, Value.
+// Dispatch ("RZfile", as the real component) offers a small set of members by
+// name, without regard to case: AppTitle (and Title), BasePath, AppFolder,
+// RecordCount, MoveFirst, ReadNext, MoveLast, ReadPrevious, GotoRecord, Value.
 
 #ifndef RZ_SUPPORT_FAKE_APP_FILE_H_
 #define RZ_SUPPORT_FAKE_APP_FILE_H_
@@ -214,7 +214,7 @@ class FakeAppFile : public AppFile {
   void SaveRecord(int32_t record) override;
 
   // Dispatch.
-  std::string_view ClassName() const override { return "RZaccess"; }
+  std::string_view ClassName() const override { return "RZfile"; }
   Variant Invoke(std::string_view name, InvokeKind kind,
                  DispatchArgs& args) override;
   std::vector<std::string> MemberNames() const override;
