@@ -11,12 +11,21 @@ function(rz_target_warnings target)
 endfunction()
 
 # rz_add_library(name SOURCES... DEPS...): one static library per source
-# folder. The folder's parent is the include root, so code includes
-# "core/variant.h" or "trace/trace_client.h".
+# folder. Code includes "core/variant.h" or "trace/trace_client.h": each
+# target's public include folder (build/include/<target>/) holds only a
+# link named like its own source folder, so a target sees its own headers
+# and those of its DEPS, and including from a target it does not depend on
+# fails to compile.
 function(rz_add_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
-  get_filename_component(include_root "${CMAKE_CURRENT_SOURCE_DIR}" DIRECTORY)
+  get_filename_component(folder_name "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
+  set(include_root "${CMAKE_BINARY_DIR}/include/${name}")
+  file(MAKE_DIRECTORY "${include_root}")
+  if(NOT EXISTS "${include_root}/${folder_name}")
+    file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}"
+         "${include_root}/${folder_name}" SYMBOLIC)
+  endif()
   target_include_directories(${name} PUBLIC "${include_root}")
   target_link_libraries(${name} PUBLIC ${ARG_DEPS})
   rz_target_warnings(${name})
