@@ -106,6 +106,38 @@ double RecordDateTime(std::string_view date, std::string_view time) {
 
 // --- RecordColumn ---
 
+RecordColumn::RecordColumn(NullMask nulls, std::vector<double> numbers)
+    : numeric_(true), nulls_(std::move(nulls)), numbers_(std::move(numbers)) {}
+
+RecordColumn::RecordColumn(NullMask nulls, std::vector<size_t> ends,
+                           std::string arena)
+    : numeric_(false),
+      nulls_(std::move(nulls)),
+      arena_(std::move(arena)),
+      ends_(std::move(ends)) {}
+
+void RecordColumn::AppendCell(SqliteStatement& statement, int column) {
+  sqlite3_stmt* const raw = statement.Handle();
+  const int type = sqlite3_column_type(raw, column);
+  if (type == SQLITE_NULL) {
+    AppendNull();
+  } else if (!numeric_) {
+    const auto* text = sqlite3_column_text(raw, column);
+    AppendText(std::string_view(
+        reinterpret_cast<const char*>(text),
+        static_cast<size_t>(sqlite3_column_bytes(raw, column))));
+  } else if (type != SQLITE_TEXT) {
+    AppendNumber(sqlite3_column_double(raw, column));
+  } else {
+    double value = 0;
+    if (ReadNumericText(raw, column, &value)) {
+      AppendNumber(value);
+    } else {
+      AppendNull();
+    }
+  }
+}
+
 void RecordColumn::Reserve(size_t records) {
   nulls_.Reserve(records);
   if (numeric_) {
@@ -154,13 +186,33 @@ void RecordColumn::LeaveRoomToGrow() {
 
 // --- RecordColumns ---
 
-RecordColumns::RecordColumns(const std::vector<bool>& numeric) {
+RecordColumns::RecordColumns(const std::vector<bool>& numeric)
+    : pending_(numeric.size(), 0) {
   columns_.reserve(numeric.size());
   for (bool is_numeric : numeric) columns_.emplace_back(is_numeric);
 }
 
+RecordColumns::RecordColumns(const std::vector<bool>& numeric,
+                             std::vector<double> date_times,
+                             int64_t last_record_number, ColumnLoader* loader)
+    : RecordColumns(numeric) {
+  std::fill(pending_.begin(), pending_.end(), 1);
+  loader_ = loader;
+  date_times_.reserve(date_times.size());
+  for (double date_time : date_times) AddDateTime(date_time);
+  last_record_number_ = last_record_number;
+}
+
+void RecordColumns::LoadPending(size_t index) const {
+  RecordColumn column = loader_->LoadColumn(static_cast<int>(index + 1));
+  columns_[index] = std::move(column);
+  pending_[index] = 0;
+}
+
 void RecordColumns::Reserve(size_t records) {
-  for (RecordColumn& column : columns_) column.Reserve(records);
+  for (size_t k = 0; k < columns_.size(); ++k) {
+    if (!pending_[k]) columns_[k].Reserve(records);
+  }
   date_times_.reserve(records);
 }
 
@@ -170,25 +222,7 @@ void RecordColumns::ReadRows(SqliteStatement& statement) {
   while (statement.Step()) {
     last_record_number_ = sqlite3_column_int64(raw, 0);
     for (int k = 1; k <= count; ++k) {
-      RecordColumn& column = columns_[static_cast<size_t>(k - 1)];
-      const int type = sqlite3_column_type(raw, k);
-      if (type == SQLITE_NULL) {
-        column.AppendNull();
-      } else if (!column.Numeric()) {
-        const auto* text = sqlite3_column_text(raw, k);
-        column.AppendText(std::string_view(
-            reinterpret_cast<const char*>(text),
-            static_cast<size_t>(sqlite3_column_bytes(raw, k))));
-      } else if (type != SQLITE_TEXT) {
-        column.AppendNumber(sqlite3_column_double(raw, k));
-      } else {
-        double value = 0;
-        if (ReadNumericText(raw, k, &value)) {
-          column.AppendNumber(value);
-        } else {
-          column.AppendNull();
-        }
-      }
+      columns_[static_cast<size_t>(k - 1)].AppendCell(statement, k);
     }
     AddDateTime(ComputeDateTime(date_times_.size()));
   }
@@ -223,14 +257,16 @@ void RecordColumns::Append(const RecordColumns& other) {
   const size_t count = other.RecordCount();
   if (count == 0) return;
   for (size_t k = 0; k < columns_.size(); ++k) {
-    columns_[k].Append(other.columns_[k], count);
+    if (!pending_[k]) columns_[k].Append(other.columns_[k], count);
   }
   for (size_t i = 0; i < count; ++i) AddDateTime(other.date_times_[i]);
   last_record_number_ = other.last_record_number_;
 }
 
 void RecordColumns::LeaveRoomToGrow() {
-  for (RecordColumn& column : columns_) column.LeaveRoomToGrow();
+  for (size_t k = 0; k < columns_.size(); ++k) {
+    if (!pending_[k]) columns_[k].LeaveRoomToGrow();
+  }
 }
 
 }  // namespace rz

@@ -15,6 +15,12 @@
 // ReadRows appends what a query "SELECT recno, v1, ..., vn ..." returns;
 // Append adds another RecordColumns of the same layout. Indexes are 0-based
 // here; the data store translates its 1-based record numbers.
+//
+// Columns may also arrive later: made with a ColumnLoader, RecordColumns
+// holds the date-times from the start and asks the loader for a variable's
+// column the first time Column() is called for it (the column cache, which
+// reads only what a view uses). Appends then reach the columns already
+// loaded; a loader delivers the whole column, appended records included.
 
 #ifndef RZ_APPFILE_RECORD_COLUMNS_H_
 #define RZ_APPFILE_RECORD_COLUMNS_H_
@@ -23,6 +29,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace rz {
@@ -32,6 +39,13 @@ class SqliteStatement;
 // One bit per record.
 class NullMask {
  public:
+  NullMask() = default;
+  // A mask of `size` records with the bits in `words` (64 a word, the
+  // first record in the lowest bit). REQUIRES: words.size() == size / 64 +
+  // (size % 64 != 0).
+  NullMask(std::vector<uint64_t> words, size_t size)
+      : words_(std::move(words)), size_(size) {}
+
   void Append(bool is_null) {
     if (size_ % 64 == 0) words_.push_back(0);
     if (is_null) words_.back() |= uint64_t{1} << (size_ % 64);
@@ -44,6 +58,8 @@ class NullMask {
   // a word at a time.
   size_t NextSet(size_t begin, size_t end) const;
   void Reserve(size_t count) { words_.reserve(count / 64 + 1); }
+  const std::vector<uint64_t>& Words() const { return words_; }
+  size_t Size() const { return size_; }
 
  private:
   std::vector<uint64_t> words_;
@@ -53,6 +69,12 @@ class NullMask {
 class RecordColumn {
  public:
   explicit RecordColumn(bool numeric) : numeric_(numeric) {}
+  // A numeric column from its parts. REQUIRES: numbers.size() ==
+  // nulls.Size().
+  RecordColumn(NullMask nulls, std::vector<double> numbers);
+  // A text column from its parts. REQUIRES: ends.size() == nulls.Size(),
+  // ends never decrease, the last end is at most arena.size().
+  RecordColumn(NullMask nulls, std::vector<size_t> ends, std::string arena);
 
   bool Numeric() const { return numeric_; }
   void Reserve(size_t records);
@@ -60,6 +82,9 @@ class RecordColumn {
   void AppendNull();
   void AppendNumber(double value);         // numeric columns
   void AppendText(std::string_view text);  // text columns
+  // Appends the cell `column` of the statement's current row, a number
+  // read from text where a numeric variable holds text (see ReadRows).
+  void AppendCell(SqliteStatement& statement, int column);
 
   bool IsNull(size_t index) const { return nulls_.Get(index); }
   double Number(size_t index) const { return numbers_[index]; }
@@ -75,6 +100,12 @@ class RecordColumn {
     return std::string_view(arena_).substr(begin, ends_[index] - begin);
   }
 
+  // The parts, for the column cache.
+  const NullMask& Nulls() const { return nulls_; }
+  const std::vector<double>& NumberArray() const { return numbers_; }
+  const std::vector<size_t>& TextEnds() const { return ends_; }
+  const std::string& TextArena() const { return arena_; }
+
   // Appends the records of `other`, a column of the same kind.
   void Append(const RecordColumn& other, size_t other_count);
   // See RecordColumns::LeaveRoomToGrow.
@@ -88,17 +119,32 @@ class RecordColumn {
   std::vector<size_t> ends_;     // text: where each record's text ends
 };
 
+// Delivers a variable's whole column to RecordColumns when it is first
+// asked for. May throw; the column then stays unloaded.
+class ColumnLoader {
+ public:
+  virtual ~ColumnLoader() = default;
+  virtual RecordColumn LoadColumn(int variable) = 0;
+};
+
 class RecordColumns {
  public:
   // `numeric[k-1]` tells whether variable k is numeric.
   explicit RecordColumns(const std::vector<bool>& numeric);
+  // Records whose date-times are known and whose columns `loader` (not
+  // owned, outliving this) delivers when first asked for.
+  RecordColumns(const std::vector<bool>& numeric,
+                std::vector<double> date_times, int64_t last_record_number,
+                ColumnLoader* loader);
 
   // Room for `records` records in every column.
   void Reserve(size_t records);
   // Appends every row the statement returns: column 0 the record number,
   // columns 1..n the variables. Raises the statement's errors.
   void ReadRows(SqliteStatement& statement);
-  // Appends the records of `other` (same layout).
+  // Appends the records of `other` (same layout, every column loaded) to
+  // the columns loaded here; a column not loaded yet gets them from its
+  // loader.
   void Append(const RecordColumns& other);
   // Makes sure every text arena has room for about an eighth more text,
   // so that the next appends do not copy it.
@@ -108,8 +154,14 @@ class RecordColumns {
   int VariableCount() const { return static_cast<int>(columns_.size()); }
   // REQUIRES: 1 <= variable <= VariableCount().
   const RecordColumn& Column(int variable) const {
-    return columns_[static_cast<size_t>(variable - 1)];
+    const size_t index = static_cast<size_t>(variable - 1);
+    if (pending_[index]) LoadPending(index);
+    return columns_[index];
   }
+  bool IsLoaded(int variable) const {
+    return !pending_[static_cast<size_t>(variable - 1)];
+  }
+  const std::vector<double>& DateTimes() const { return date_times_; }
   double DateTime(size_t index) const { return date_times_[index]; }
   bool InTimeOrder() const { return in_time_order_; }
   // The record number (recno) of the last record; 0 when there is none.
@@ -118,8 +170,12 @@ class RecordColumns {
  private:
   void AddDateTime(double date_time);
   double ComputeDateTime(size_t index);
+  void LoadPending(size_t index) const;
 
-  std::vector<RecordColumn> columns_;
+  // Loading on first use changes what a const caller sees only in time.
+  mutable std::vector<RecordColumn> columns_;
+  mutable std::vector<char> pending_;  // 1: not loaded yet
+  ColumnLoader* loader_ = nullptr;
   std::vector<double> date_times_;
   bool in_time_order_ = true;
   int64_t last_record_number_ = 0;

@@ -29,6 +29,11 @@ using data_file::VariableColumn;
 // Above this a record-number span is no use as a size hint.
 constexpr int64_t kMaxReserveHint = int64_t{1} << 27;
 
+// Records appended since the cache was made are read from the data file on
+// every open; past this many (or an eighth of the cache) the cache is made
+// again.
+constexpr size_t kMaxCacheTail = 65536;
+
 // A local date-time day count, to the second, of a time in nanoseconds
 // since the epoch.
 double LocalDayCount(int64_t nanoseconds) {
@@ -66,11 +71,15 @@ std::unique_ptr<SqliteDataStore> SqliteDataStore::Open(
     const std::string& path, std::vector<bool> numeric) {
   std::unique_ptr<SqliteDataStore> store(
       new SqliteDataStore(path, std::move(numeric)));
-  const Snapshot snapshot = store->TakeSnapshot();
+  const Snapshot snapshot = TakeDataFileStamp(path);
+  store->CheckReadable();
+  if (store->OpenFromCache(snapshot)) return store;
   std::unique_ptr<SqliteDb> db = store->Connect();
   db->Exec("BEGIN");
   store->LoadAll(*db, snapshot);
   db->Exec("COMMIT");
+  db.reset();
+  store->WriteCache();
   return store;
 }
 
@@ -78,47 +87,100 @@ SqliteDataStore::SqliteDataStore(const std::string& path,
                                  std::vector<bool> numeric)
     : path_(path),
       numeric_(std::move(numeric)),
+      cache_path_(ColumnCache::PathFor(path)),
       columns_(std::make_unique<RecordColumns>(numeric_)) {}
 
 bool SqliteDataStore::Refresh() {
-  const Snapshot snapshot = TakeSnapshot();
+  const Snapshot snapshot = TakeDataFileStamp(path_);
   if (snapshot == snapshot_) return false;
   std::unique_ptr<SqliteDb> db = Connect();
   db->Exec("BEGIN");
-  bool changed = true;
-  const bool same_file = snapshot.file.device == snapshot_.file.device &&
-                         snapshot.file.inode == snapshot_.file.inode;
-  if (!edit_generation_ || !same_file ||
+  if (!edit_generation_ || !snapshot.file.SameFileAs(snapshot_.file) ||
       ReadEditGeneration(*db) != edit_generation_) {
     LoadAll(*db, snapshot);
-  } else {
-    changed = LoadAppended(*db, snapshot);
+    db->Exec("COMMIT");
+    db.reset();
+    WriteCache();
+    return true;
   }
+  const bool changed = LoadAppended(*db, snapshot);
   db->Exec("COMMIT");
   return changed;
 }
 
-SqliteDataStore::Snapshot SqliteDataStore::TakeSnapshot() const {
-  auto state_of = [](const std::string& path) {
-    FileState state;
-    struct stat info {};
-    if (stat(path.c_str(), &info) != 0) return state;
-    state.exists = true;
-    state.device = info.st_dev;
-    state.inode = info.st_ino;
-    state.size = static_cast<int64_t>(info.st_size);
-    state.modified_ns = static_cast<int64_t>(info.st_mtim.tv_sec) * 1000000000 +
-                        info.st_mtim.tv_nsec;
-    return state;
-  };
-  Snapshot snapshot{state_of(path_), state_of(path_ + "-wal")};
-  // A read-only connection leaves an empty WAL file behind when there was
-  // none; an empty WAL holds no change, so it counts as none.
-  if (snapshot.wal.size == 0) snapshot.wal = FileState{};
-  return snapshot;
+bool SqliteDataStore::OpenFromCache(const Snapshot& snapshot) {
+  std::unique_ptr<ColumnCache> cache = ColumnCache::Open(cache_path_, numeric_);
+  if (!cache) return false;
+  const ColumnCache::Origin& origin = cache->origin();
+  auto tail = std::make_unique<RecordColumns>(numeric_);
+  if (origin.stamp != snapshot) {
+    // Only appends keep the cached records valid: the same file with the
+    // same edit generation.
+    if (!origin.edit_generation || !origin.stamp.file.SameFileAs(snapshot.file)) {
+      return false;
+    }
+    std::unique_ptr<SqliteDb> db = Connect();
+    db->Exec("BEGIN");
+    CheckColumns(*db);
+    if (ReadEditGeneration(*db) != origin.edit_generation) return false;
+    tail = ReadRecords(*db, cache->LastRecordNumber());
+    db->Exec("COMMIT");
+  }
+  std::optional<std::vector<double>> date_times = cache->ReadDateTimes();
+  if (!date_times) return false;
+  if (cache->RecordCount() + tail->RecordCount() >
+      static_cast<size_t>(std::numeric_limits<int32_t>::max())) {
+    throw Error::BadDataFile(path_, "the data file has too many records");
+  }
+  columns_ = std::make_unique<RecordColumns>(
+      numeric_, std::move(*date_times), cache->LastRecordNumber(),
+      static_cast<ColumnLoader*>(this));
+  columns_->Append(*tail);
+  edit_generation_ = origin.edit_generation;
+  snapshot_ = snapshot;
+  const size_t held = cache->RecordCount();
+  cache_ = std::move(cache);
+  tail_ = std::move(tail);
+  if (tail_->RecordCount() > std::max(kMaxCacheTail, held / 8)) WriteCache();
+  return true;
 }
 
-std::unique_ptr<SqliteDb> SqliteDataStore::Connect() const {
+void SqliteDataStore::WriteCache() {
+  ColumnCache::Write(cache_path_, *columns_, {snapshot_, edit_generation_});
+}
+
+RecordColumn SqliteDataStore::LoadColumn(int variable) {
+  std::optional<RecordColumn> column = cache_->ReadColumn(variable);
+  if (!column) column = ReadCachedRecordsAgain(variable);
+  column->Append(tail_->Column(variable), tail_->RecordCount());
+  return std::move(*column);
+}
+
+RecordColumn SqliteDataStore::ReadCachedRecordsAgain(int variable) {
+  // The next open makes the cache again from the data file.
+  unlink(cache_path_.c_str());
+  std::unique_ptr<SqliteDb> db = Connect();
+  db->Exec("BEGIN");
+  const Error changed = Error::BadDataFile(
+      path_, "the data file was changed while it was read");
+  if (ReadEditGeneration(*db) != edit_generation_) throw changed;
+  SqliteStatement statement(
+      *db, "SELECT " + VariableColumn(variable) +
+               " FROM records WHERE recno <= ? ORDER BY recno");
+  statement.BindInt64(1, cache_->LastRecordNumber());
+  RecordColumn column(numeric_[static_cast<size_t>(variable - 1)]);
+  size_t count = 0;
+  while (statement.Step()) {
+    column.AppendCell(statement, 0);
+    ++count;
+  }
+  db->Exec("COMMIT");
+  records_read_ += static_cast<int64_t>(count);
+  if (count != cache_->RecordCount()) throw changed;
+  return column;
+}
+
+void SqliteDataStore::CheckReadable() const {
   struct stat info {};
   if (stat(path_.c_str(), &info) != 0) {
     if (errno == EACCES) throw Error::PermissionDenied(path_);
@@ -128,6 +190,10 @@ std::unique_ptr<SqliteDb> SqliteDataStore::Connect() const {
     throw Error::BadDataFile(path_, "a folder is not a data file");
   }
   if (access(path_.c_str(), R_OK) != 0) throw Error::PermissionDenied(path_);
+}
+
+std::unique_ptr<SqliteDb> SqliteDataStore::Connect() const {
+  CheckReadable();
   constexpr int kFlags = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX;
   auto db = std::make_unique<SqliteDb>(path_, kFlags);
   // Reading a WAL file needs its -shm index, which SQLite makes beside it:
@@ -230,6 +296,8 @@ void SqliteDataStore::LoadAll(SqliteDb& db, const Snapshot& snapshot) {
     throw Error::BadDataFile(path_, "the data file has too many records");
   }
   columns_ = std::move(columns);
+  cache_.reset();
+  tail_.reset();
   edit_generation_ = generation;
   snapshot_ = snapshot;
   ++full_loads_;
@@ -244,6 +312,7 @@ bool SqliteDataStore::LoadAppended(SqliteDb& db, const Snapshot& snapshot) {
     throw Error::BadDataFile(path_, "the data file has too many records");
   }
   columns_->Append(*added);
+  if (tail_) tail_->Append(*added);
   snapshot_ = snapshot;
   return added->RecordCount() > 0;
 }
@@ -328,7 +397,7 @@ std::vector<Variant> SqliteDataStore::DistinctValues(int variable) const {
 }
 
 double SqliteDataStore::FileDateTime() const {
-  Snapshot now = TakeSnapshot();
+  Snapshot now = TakeDataFileStamp(path_);
   if (!now.file.exists) now = snapshot_;
   int64_t latest = now.file.modified_ns;
   if (now.wal.exists) latest = std::max(latest, now.wal.modified_ns);

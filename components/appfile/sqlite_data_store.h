@@ -14,6 +14,16 @@
 // records belong to the same state of the file. The connection is closed
 // after each load; nothing is held open between refreshes.
 //
+// The column cache (column_cache.h): on open, a cache made from this same
+// state of the file is used instead of reading it: only the date-times are
+// read at once, each variable's column when it is first asked for. A cache
+// made from an earlier state of the same file with the same edit generation
+// is used with the records appended since, read from the data file. Any
+// other cache is ignored; after reading the whole data file the store
+// writes a new one (a folder that cannot be written means no cache). A
+// column whose cache section turns out damaged is read from the data file
+// instead, and the cache removed so the next open makes it again.
+//
 // Refresh: the size, modification time and identity (device, inode) of the
 // file and of its WAL file are compared with those of the last load; when
 // they are the same nothing is read (an empty WAL file counts as none: a
@@ -29,12 +39,11 @@
 //
 // Errors (rz::Error naming the file): 53 missing, 70 not readable, 75 not an
 // SQLite database, no `records` table, or columns other than v1..vn for the
-// n variables given ("the data file has K variables, the template N").
+// n variables given ("the data file has K variables, the template N"), or
+// changed while a damaged cache column was read again from it.
 
 #ifndef RZ_APPFILE_SQLITE_DATA_STORE_H_
 #define RZ_APPFILE_SQLITE_DATA_STORE_H_
-
-#include <sys/types.h>
 
 #include <cstdint>
 #include <memory>
@@ -42,6 +51,8 @@
 #include <string>
 #include <vector>
 
+#include "appfile/column_cache.h"
+#include "appfile/data_file_stamp.h"
 #include "appfile/data_store.h"
 #include "appfile/record_columns.h"
 
@@ -49,7 +60,7 @@ namespace rz {
 
 class SqliteDb;
 
-class SqliteDataStore : public DataStore {
+class SqliteDataStore : public DataStore, private ColumnLoader {
  public:
   // Opens and loads the data file; see DataStore::Open.
   static std::unique_ptr<SqliteDataStore> Open(const std::string& path,
@@ -74,26 +85,15 @@ class SqliteDataStore : public DataStore {
   // (the first load included); for tests of the refresh rules.
   int FullLoadCount() const { return full_loads_; }
   int64_t RecordsRead() const { return records_read_; }
+  // True while the records come from the column cache; for tests.
+  bool UsesCache() const { return cache_ != nullptr; }
 
  private:
-  // What identifies one state of a file on disk.
-  struct FileState {
-    bool exists = false;
-    dev_t device = 0;
-    ino_t inode = 0;
-    int64_t size = 0;
-    int64_t modified_ns = 0;
-    bool operator==(const FileState&) const = default;
-  };
-  struct Snapshot {
-    FileState file;
-    FileState wal;
-    bool operator==(const Snapshot&) const = default;
-  };
+  using Snapshot = DataFileStamp;
 
   SqliteDataStore(const std::string& path, std::vector<bool> numeric);
 
-  Snapshot TakeSnapshot() const;
+  void CheckReadable() const;
   std::unique_ptr<SqliteDb> Connect() const;
   bool WalHoldsPages() const;
   void CheckColumns(SqliteDb& db) const;
@@ -105,11 +105,25 @@ class SqliteDataStore : public DataStore {
   // Reads the records after the last one held; true when there were any.
   bool LoadAppended(SqliteDb& db, const Snapshot& snapshot);
 
+  // Takes the records from the column cache when it was made from this
+  // file; false when there is no such cache.
+  bool OpenFromCache(const Snapshot& snapshot);
+  void WriteCache();
+  // ColumnLoader: the cached column with the records appended since.
+  RecordColumn LoadColumn(int variable) override;
+  // A column of the records the cache holds, read from the data file.
+  RecordColumn ReadCachedRecordsAgain(int variable);
+
   size_t Index(int32_t record) const { return static_cast<size_t>(record - 1); }
 
   std::string path_;
   std::vector<bool> numeric_;
+  std::string cache_path_;
   std::unique_ptr<RecordColumns> columns_;
+  // While the records come from the cache: the cache, and every column of
+  // the records after those it holds (read from the data file).
+  std::unique_ptr<ColumnCache> cache_;
+  std::unique_ptr<RecordColumns> tail_;
   std::optional<int64_t> edit_generation_;  // none: the file has no meta
   Snapshot snapshot_;
   int full_loads_ = 0;

@@ -259,14 +259,22 @@ std::string ShortestNumberText(double value) {
   }
   char* end =
       std::to_chars(buffer, last, value, std::chars_format::scientific).ptr;
-  std::string text(buffer, end);
-  size_t e = text.find('e');
-  if (e == std::string::npos) return text;  // Only for nan/inf.
-  text[e] = 'E';
-  // to_chars writes a sign and at least two digits; keep that form even if a
-  // library wrote fewer.
-  if (e + 1 < text.size() && IsDigit(text[e + 1])) text.insert(e + 1, "+");
-  if (text.size() - (e + 2) < 2) text.insert(e + 2, "0");
+  const std::string_view written(buffer, static_cast<size_t>(end - buffer));
+  const size_t e = written.find('e');
+  if (e == std::string_view::npos) return std::string(written);  // nan/inf
+  // "1e+20" becomes "1E+20": a sign and at least two exponent digits, even
+  // if a library wrote fewer.
+  std::string_view exponent = written.substr(e + 1);
+  char sign = '+';
+  if (!exponent.empty() && (exponent[0] == '+' || exponent[0] == '-')) {
+    sign = exponent[0];
+    exponent.remove_prefix(1);
+  }
+  std::string text(written.substr(0, e));
+  text += 'E';
+  text += sign;
+  if (exponent.size() < 2) text += '0';
+  text += exponent;
   return text;
 }
 

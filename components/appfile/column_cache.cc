@@ -1,0 +1,300 @@
+// Copyright 2026 The Veltmark authors.
+
+#include "appfile/column_cache.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+
+namespace rz {
+namespace {
+
+static_assert(sizeof(size_t) == sizeof(uint64_t),
+              "text ends are stored as 64-bit offsets");
+
+// The header is a row of 64-bit words in this machine's byte order; the
+// byte-order word tells a file from a machine of the other order.
+constexpr uint64_t kMagic = 0x31534C4F435A5200;  // "\0RZCOLS1" read LE
+constexpr uint64_t kByteOrder = 0x0102030405060708;
+constexpr uint64_t kVersion = 1;
+constexpr uint64_t kMaxVariables = 32767;
+constexpr size_t kFixedWords = 18;  // up to and with the journal's identity
+constexpr uint64_t kHasGeneration = 1;
+constexpr int kPartsPerVariable = 3;
+
+size_t FlagWords(size_t variables) { return (variables + 7) / 8; }
+
+size_t SectionCount(size_t variables) {
+  return 1 + kPartsPerVariable * variables;
+}
+
+size_t HeaderWords(size_t variables) {
+  return kFixedWords + FlagWords(variables) + 3 * SectionCount(variables) + 1;
+}
+
+size_t NullWordCount(size_t records) { return (records + 63) / 64; }
+
+uint64_t RoundUp8(uint64_t bytes) { return (bytes + 7) / 8 * 8; }
+
+uint64_t Mix(uint64_t lane, uint64_t word) {
+  lane = (lane ^ word) * 0x9E3779B97F4A7C15;
+  return lane ^ (lane >> 31);
+}
+
+bool WriteAll(int fd, const void* data, size_t bytes, uint64_t offset) {
+  const char* from = static_cast<const char*>(data);
+  while (bytes > 0) {
+    const ssize_t written = pwrite(fd, from, bytes, static_cast<off_t>(offset));
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    from += written;
+    bytes -= static_cast<size_t>(written);
+    offset += static_cast<uint64_t>(written);
+  }
+  return true;
+}
+
+bool ReadAll(int fd, void* data, size_t bytes, uint64_t offset) {
+  char* into = static_cast<char*>(data);
+  while (bytes > 0) {
+    const ssize_t got = pread(fd, into, bytes, static_cast<off_t>(offset));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) return false;
+    into += got;
+    bytes -= static_cast<size_t>(got);
+    offset += static_cast<uint64_t>(got);
+  }
+  return true;
+}
+
+void PutIdentity(const FileIdentity& identity, uint64_t* words) {
+  words[0] = identity.exists ? 1 : 0;
+  words[1] = identity.device;
+  words[2] = identity.inode;
+  words[3] = static_cast<uint64_t>(identity.size);
+  words[4] = static_cast<uint64_t>(identity.modified_ns);
+}
+
+FileIdentity GetIdentity(const uint64_t* words) {
+  FileIdentity identity;
+  identity.exists = words[0] != 0;
+  identity.device = words[1];
+  identity.inode = words[2];
+  identity.size = static_cast<int64_t>(words[3]);
+  identity.modified_ns = static_cast<int64_t>(words[4]);
+  return identity;
+}
+
+// What one section of a new cache holds.
+struct Piece {
+  const void* data;
+  size_t bytes;
+};
+
+}  // namespace
+
+uint64_t CacheChecksum(const void* data, size_t bytes) {
+  const auto* p = static_cast<const unsigned char*>(data);
+  uint64_t lanes[4] = {0x243F6A8885A308D3, 0x13198A2E03707344,
+                       0xA4093822299F31D0, 0x082EFA98EC4E6C89};
+  const size_t words = bytes / 8;
+  size_t i = 0;
+  for (; i + 4 <= words; i += 4) {
+    for (int lane = 0; lane < 4; ++lane) {
+      uint64_t word;
+      std::memcpy(&word, p + 8 * (i + static_cast<size_t>(lane)), 8);
+      lanes[lane] = Mix(lanes[lane], word);
+    }
+  }
+  for (; i < words; ++i) {
+    uint64_t word;
+    std::memcpy(&word, p + 8 * i, 8);
+    lanes[0] = Mix(lanes[0], word);
+  }
+  uint64_t rest = 0;
+  if (bytes % 8 != 0) std::memcpy(&rest, p + 8 * words, bytes % 8);
+  uint64_t sum = Mix(lanes[0], rest);
+  for (int lane = 1; lane < 4; ++lane) sum = Mix(sum, lanes[lane]);
+  return Mix(sum, bytes);
+}
+
+std::string ColumnCache::PathFor(const std::string& data_path) {
+  constexpr std::string_view kDataExtension = ".rzd";
+  if (data_path.size() > kDataExtension.size() &&
+      data_path.ends_with(kDataExtension)) {
+    return data_path.substr(0, data_path.size() - kDataExtension.size()) +
+           ".rzc";
+  }
+  return data_path + ".rzc";
+}
+
+bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
+                        const Origin& origin) {
+  const size_t variables = static_cast<size_t>(columns.VariableCount());
+  const size_t records = columns.RecordCount();
+  std::vector<Piece> pieces;
+  pieces.push_back({columns.DateTimes().data(), records * sizeof(double)});
+  for (int k = 1; k <= columns.VariableCount(); ++k) {
+    const RecordColumn& column = columns.Column(k);
+    pieces.push_back({column.Nulls().Words().data(),
+                      NullWordCount(records) * sizeof(uint64_t)});
+    if (column.Numeric()) {
+      pieces.push_back({column.NumberArray().data(), records * sizeof(double)});
+      pieces.push_back({nullptr, 0});
+    } else {
+      const size_t arena = records == 0 ? 0 : column.TextEnds().back();
+      pieces.push_back({column.TextEnds().data(), records * sizeof(size_t)});
+      pieces.push_back({column.TextArena().data(), arena});
+    }
+  }
+
+  std::string temp = path + ".tmp-XXXXXX";
+  const int fd = mkostemp(temp.data(), O_CLOEXEC);
+  if (fd < 0) return false;
+  std::vector<uint64_t> header(HeaderWords(variables), 0);
+  header[0] = kMagic;
+  header[1] = kByteOrder;
+  header[2] = kVersion;
+  header[3] = variables;
+  header[4] = records;
+  header[5] = static_cast<uint64_t>(columns.LastRecordNumber());
+  header[6] = origin.edit_generation ? kHasGeneration : 0;
+  header[7] = static_cast<uint64_t>(origin.edit_generation.value_or(0));
+  PutIdentity(origin.stamp.file, &header[8]);
+  PutIdentity(origin.stamp.wal, &header[13]);
+  auto* flags = reinterpret_cast<unsigned char*>(&header[kFixedWords]);
+  for (size_t k = 0; k < variables; ++k) {
+    flags[k] = columns.Column(static_cast<int>(k + 1)).Numeric() ? 1 : 0;
+  }
+  uint64_t* table = &header[kFixedWords + FlagWords(variables)];
+  uint64_t offset = header.size() * sizeof(uint64_t);
+  bool ok = true;
+  for (size_t s = 0; s < pieces.size() && ok; ++s) {
+    table[3 * s] = offset;
+    table[3 * s + 1] = pieces[s].bytes;
+    table[3 * s + 2] = CacheChecksum(pieces[s].data, pieces[s].bytes);
+    ok = WriteAll(fd, pieces[s].data, pieces[s].bytes, offset);
+    offset += RoundUp8(pieces[s].bytes);
+  }
+  header.back() = CacheChecksum(header.data(),
+                                (header.size() - 1) * sizeof(uint64_t));
+  ok = ok && WriteAll(fd, header.data(), header.size() * sizeof(uint64_t), 0);
+  ok = close(fd) == 0 && ok;
+  if (ok && rename(temp.c_str(), path.c_str()) == 0) return true;
+  unlink(temp.c_str());
+  return false;
+}
+
+std::unique_ptr<ColumnCache> ColumnCache::Open(
+    const std::string& path, const std::vector<bool>& numeric) {
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return nullptr;
+  std::unique_ptr<ColumnCache> cache(new ColumnCache(fd, numeric));
+  struct stat info {};
+  if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) ||
+      !cache->ReadHeader(static_cast<uint64_t>(info.st_size))) {
+    return nullptr;
+  }
+  return cache;
+}
+
+ColumnCache::ColumnCache(int fd, std::vector<bool> numeric)
+    : fd_(fd), numeric_(std::move(numeric)) {}
+
+ColumnCache::~ColumnCache() { close(fd_); }
+
+bool ColumnCache::ReadHeader(uint64_t file_size) {
+  const size_t variables = numeric_.size();
+  if (variables > kMaxVariables) return false;
+  std::vector<uint64_t> header(HeaderWords(variables));
+  const uint64_t header_bytes = header.size() * sizeof(uint64_t);
+  if (file_size < header_bytes ||
+      !ReadAll(fd_, header.data(), header_bytes, 0)) {
+    return false;
+  }
+  if (header[0] != kMagic || header[1] != kByteOrder ||
+      header[2] != kVersion || header[3] != variables ||
+      header.back() != CacheChecksum(header.data(), header_bytes - 8)) {
+    return false;
+  }
+  const auto* flags =
+      reinterpret_cast<const unsigned char*>(&header[kFixedWords]);
+  for (size_t k = 0; k < variables; ++k) {
+    if ((flags[k] != 0) != numeric_[k]) return false;
+  }
+  record_count_ = header[4];
+  last_record_number_ = static_cast<int64_t>(header[5]);
+  if ((header[6] & kHasGeneration) != 0) {
+    origin_.edit_generation = static_cast<int64_t>(header[7]);
+  }
+  origin_.stamp.file = GetIdentity(&header[8]);
+  origin_.stamp.wal = GetIdentity(&header[13]);
+  const uint64_t* table = &header[kFixedWords + FlagWords(variables)];
+  sections_.resize(SectionCount(variables));
+  for (size_t s = 0; s < sections_.size(); ++s) {
+    Section& section = sections_[s];
+    section = {table[3 * s], table[3 * s + 1], table[3 * s + 2]};
+    if (section.offset < header_bytes || section.offset > file_size ||
+        section.bytes > file_size - section.offset) {
+      return false;  // truncated, or not written by Write
+    }
+  }
+  return record_count_ < (uint64_t{1} << 40) &&
+         sections_[0].bytes == record_count_ * sizeof(double);
+}
+
+bool ColumnCache::ReadSection(const Section& section, void* into) const {
+  return ReadAll(fd_, into, section.bytes, section.offset) &&
+         CacheChecksum(into, section.bytes) == section.checksum;
+}
+
+const ColumnCache::Section& ColumnCache::SectionOf(int variable,
+                                                   int part) const {
+  return sections_[1 + kPartsPerVariable * static_cast<size_t>(variable - 1) +
+                   static_cast<size_t>(part)];
+}
+
+std::optional<std::vector<double>> ColumnCache::ReadDateTimes() const {
+  std::vector<double> date_times(record_count_);
+  if (!ReadSection(sections_[0], date_times.data())) return std::nullopt;
+  return date_times;
+}
+
+std::optional<RecordColumn> ColumnCache::ReadColumn(int variable) const {
+  const Section& nulls = SectionOf(variable, 0);
+  const Section& values = SectionOf(variable, 1);
+  const Section& arena = SectionOf(variable, 2);
+  const size_t words = NullWordCount(record_count_);
+  if (nulls.bytes != words * sizeof(uint64_t) ||
+      values.bytes != record_count_ * sizeof(double)) {
+    return std::nullopt;
+  }
+  std::vector<uint64_t> null_words(words);
+  if (!ReadSection(nulls, null_words.data())) return std::nullopt;
+  NullMask mask(std::move(null_words), record_count_);
+  if (numeric_[static_cast<size_t>(variable - 1)]) {
+    std::vector<double> numbers(record_count_);
+    if (!ReadSection(values, numbers.data())) return std::nullopt;
+    return RecordColumn(std::move(mask), std::move(numbers));
+  }
+  std::vector<size_t> ends(record_count_);
+  if (!ReadSection(values, ends.data())) return std::nullopt;
+  // Text() slices the arena with these offsets: they must never decrease
+  // nor pass its end, whatever the checksum says.
+  size_t previous = 0;
+  for (size_t end : ends) {
+    if (end < previous) return std::nullopt;
+    previous = end;
+  }
+  if (previous != arena.bytes) return std::nullopt;
+  std::string text(arena.bytes, '\0');
+  if (!ReadSection(arena, text.data())) return std::nullopt;
+  return RecordColumn(std::move(mask), std::move(ends), std::move(text));
+}
+
+}  // namespace rz

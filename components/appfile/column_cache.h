@@ -1,0 +1,102 @@
+// Copyright 2026 The Veltmark authors.
+//
+// ColumnCache is a copy of a data file's records in the column form
+// RecordColumns holds, kept beside the data file ("line4.rzc" beside
+// "line4.rzd") so that a new process reads the few columns a view uses
+// instead of every record of the data file. It is derived, never the
+// record of truth: hosts write only the data file, and a cache that is
+// missing, foreign, truncated, damaged or made from another state of the
+// data file is not used (docs/formats.md, "The column cache").
+//
+// The file is written once, whole, through a temporary file and a rename,
+// and never changed in place: a reader keeps its descriptor, so a cache
+// replaced by another process while a view runs stays what it was for that
+// reader. Every section carries a checksum that is checked when it is
+// read; the structure a reader relies on (sizes, text offsets) is checked
+// too, so a file made to pass the checksums still cannot make a reader
+// read outside its columns.
+//
+// Write returns false when the cache cannot be written (a read-only
+// folder, a full disk): a cache is an optimisation and its absence is
+// never an error. Open returns nullptr for a file that is missing or not a
+// cache of this layout. ReadDateTimes and ReadColumn return nullopt for a
+// section that fails its checks. Not thread-safe.
+
+#ifndef RZ_APPFILE_COLUMN_CACHE_H_
+#define RZ_APPFILE_COLUMN_CACHE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "appfile/data_file_stamp.h"
+#include "appfile/record_columns.h"
+
+namespace rz {
+
+class ColumnCache {
+ public:
+  // What a cache records about the data file it was made from.
+  struct Origin {
+    DataFileStamp stamp;
+    std::optional<int64_t> edit_generation;  // none: the file has no meta
+  };
+
+  // The cache path of a data file: its extension ".rzd" replaced by
+  // ".rzc" (".rzc" added when it has another one).
+  static std::string PathFor(const std::string& data_path);
+
+  // Writes every column of `columns` (loading those not loaded) with
+  // `origin` to `path`, replacing what is there; false when it could not
+  // (nothing is left behind then).
+  static bool Write(const std::string& path, const RecordColumns& columns,
+                    const Origin& origin);
+
+  // Opens the cache at `path` for variables with the numeric flags
+  // `numeric`; nullptr when there is none or it is not a cache of them.
+  static std::unique_ptr<ColumnCache> Open(const std::string& path,
+                                           const std::vector<bool>& numeric);
+
+  ~ColumnCache();
+  ColumnCache(const ColumnCache&) = delete;
+  ColumnCache& operator=(const ColumnCache&) = delete;
+
+  const Origin& origin() const { return origin_; }
+  size_t RecordCount() const { return record_count_; }
+  int64_t LastRecordNumber() const { return last_record_number_; }
+
+  std::optional<std::vector<double>> ReadDateTimes() const;
+  // REQUIRES: 1 <= variable <= the number of variables.
+  std::optional<RecordColumn> ReadColumn(int variable) const;
+
+ private:
+  struct Section {
+    uint64_t offset = 0;
+    uint64_t bytes = 0;
+    uint64_t checksum = 0;
+  };
+
+  ColumnCache(int fd, std::vector<bool> numeric);
+  bool ReadHeader(uint64_t file_size);
+  bool ReadSection(const Section& section, void* into) const;
+  const Section& SectionOf(int variable, int part) const;
+
+  int fd_;
+  std::vector<bool> numeric_;
+  Origin origin_;
+  size_t record_count_ = 0;
+  int64_t last_record_number_ = 0;
+  // The date-times, then three per variable: null words, numbers or text
+  // ends, text arena (empty for a numeric variable).
+  std::vector<Section> sections_;
+};
+
+// The checksum of a section: 64-bit, over its bytes and its length.
+uint64_t CacheChecksum(const void* data, size_t bytes);
+
+}  // namespace rz
+
+#endif  // RZ_APPFILE_COLUMN_CACHE_H_

@@ -1,0 +1,254 @@
+// Copyright 2026 The Veltmark authors.
+//
+// The column cache beside a data file: a second open reads the cache
+// instead of the data file, column by column, and sees exactly what a read
+// of the data file gives; a cache that does not belong to the data file as
+// it is now is never used.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "appfile/column_cache.h"
+#include "appfile/sqlite_data_store.h"
+#include "components/appfile/data_file_helpers.h"
+#include "support/temp_folder.h"
+
+namespace rz {
+namespace {
+
+namespace fs = std::filesystem;
+
+// date, time, a number, a text, a number.
+const std::vector<bool> kNumeric = {false, false, true, false, true};
+
+std::vector<Row> SampleRows() {
+  return {
+      {"2024-03-01", "08:00:00", 12.5, "Größe €", Variant::Null()},
+      {"2024-03-01", "08:00:05", Variant::Null(), "", -0.25},
+      {"2024-03-01", "08:00:09", -1e300, Variant::Null(), 0.0},
+      {"", "", 4.0, "no date", 1.0},
+      {"2024-03-02", " 23:59:59 ", 5e-324, "  spaced  ", 2.0},
+  };
+}
+
+std::string ReadBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+void WriteBytes(const std::string& path, const std::string& bytes) {
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+// Every cell, date-time and the distinct values of every variable, as
+// text, so two stores can be compared in one line.
+std::string Contents(DataStore& store) {
+  std::string text = std::to_string(store.RecordCount()) +
+                     (store.InTimeOrder() ? " in order\n" : " unordered\n");
+  for (int32_t r = 1; r <= store.RecordCount(); ++r) {
+    for (int v = 0; v <= store.VariableCount(); ++v) {
+      const Variant value = store.Value(r, v);
+      text += value.IsNull() ? "null" : value.ToString();
+      text += "|";
+    }
+    text += "\n";
+  }
+  for (int v = 1; v <= store.VariableCount(); ++v) {
+    for (const Variant& value : store.DistinctValues(v)) {
+      text += value.ToString() + ";";
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+class ColumnCacheTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    WriteDataFile(path_, kNumeric, SampleRows());
+    expected_ = Contents(*Open());  // the first open reads the data file
+  }
+
+  std::unique_ptr<SqliteDataStore> Open() {
+    return SqliteDataStore::Open(path_, kNumeric);
+  }
+
+  TempFolder folder_;
+  std::string path_ = folder_.File("line4.rzd");
+  std::string cache_ = folder_.File("line4.rzc");
+  std::string expected_;
+};
+
+TEST_F(ColumnCacheTest, ASecondOpenReadsTheCacheAndSeesTheSameRecords) {
+  ASSERT_TRUE(fs::exists(cache_));
+  auto store = Open();
+  EXPECT_TRUE(store->UsesCache());
+  EXPECT_EQ(store->FullLoadCount(), 0);
+  EXPECT_EQ(store->RecordsRead(), 0);
+  EXPECT_EQ(Contents(*store), expected_);
+  EXPECT_FALSE(store->InTimeOrder());  // the record without a date
+}
+
+TEST_F(ColumnCacheTest, OnlyTheColumnsAskedForAreRead) {
+  auto store = Open();
+  for (int v = 1; v <= 5; ++v) EXPECT_FALSE(store->Columns().IsLoaded(v));
+  EXPECT_EQ(store->DateTime(2), store->DateTime(2));  // date-times are held
+  EXPECT_EQ(store->Value(2, 5), Variant(-0.25));
+  EXPECT_TRUE(store->Columns().IsLoaded(5));
+  for (int v = 1; v <= 4; ++v) EXPECT_FALSE(store->Columns().IsLoaded(v));
+}
+
+TEST_F(ColumnCacheTest, RecordsAppendedSinceTheCacheAreReadFromTheDataFile) {
+  ExecSql(path_,
+          "INSERT INTO records(v1, v2, v3, v4) VALUES"
+          "('2024-03-03', '00:00:00', 6, 'new'), ('2024-03-03', "
+          "'00:00:01', NULL, NULL)");
+  auto store = Open();
+  EXPECT_TRUE(store->UsesCache());
+  EXPECT_EQ(store->RecordsRead(), 2);
+  ASSERT_EQ(store->RecordCount(), 7);
+  EXPECT_EQ(store->Value(6, 4), Variant("new"));
+  EXPECT_EQ(store->Value(1, 4), Variant("Größe €"));
+  EXPECT_EQ(store->Value(7, 3), Variant::Null());
+  // Another append while the store is open reaches both the columns read
+  // already and those read later.
+  ExecSql(path_,
+          "INSERT INTO records(v1, v2, v3, v4, v5) VALUES"
+          "('2024-03-04', '00:00:00', 8, 'later', 9)");
+  EXPECT_TRUE(store->Refresh());
+  ASSERT_EQ(store->RecordCount(), 8);
+  EXPECT_EQ(store->Value(8, 4), Variant("later"));  // read before
+  EXPECT_EQ(store->Value(8, 5), Variant(9.0));      // read now
+  EXPECT_EQ(store->Value(3, 5), Variant(0.0));
+  EXPECT_EQ(Contents(*store), Contents(*SqliteDataStore::Open(path_, kNumeric)));
+}
+
+// The header of five variables takes 18 + 1 + 3 * 16 + 1 words; the
+// date-times come first after it.
+constexpr size_t kFirstSection = 68 * 8;
+
+TEST_F(ColumnCacheTest, ACacheThatDoesNotFitIsNeverUsedAndIsMadeAgain) {
+  auto flip = [](std::string bytes, size_t at) {
+    bytes[at] ^= 0x40;
+    return bytes;
+  };
+  struct Case {
+    const char* name;
+    std::function<void(const std::string& good)> spoil;
+    const char* record_1_text;  // variable 4 of record 1 afterwards
+    bool made_again = true;
+  } cases[] = {
+      {"empty", [&](auto&) { WriteBytes(cache_, ""); }, "Größe €"},
+      {"cut in the header",
+       [&](auto& good) { WriteBytes(cache_, good.substr(0, 40)); }, "Größe €"},
+      {"cut in the columns",
+       [&](auto& good) { WriteBytes(cache_, good.substr(0, good.size() - 9)); },
+       "Größe €"},
+      {"not a cache",
+       [&](auto&) { WriteBytes(cache_, std::string(4096, 'x')); }, "Größe €"},
+      {"record count changed",
+       [&](auto& good) { WriteBytes(cache_, flip(good, 32)); }, "Größe €"},
+      {"date-times changed",
+       [&](auto& good) { WriteBytes(cache_, flip(good, kFirstSection + 3)); },
+       "Größe €"},
+      {"another layout",
+       [&](auto&) {
+         const std::string other = folder_.File("other.rzd");
+         WriteDataFile(other, {false, false, false, false, true},
+                       {{"2024-03-01", "08:00:00", "t", "u", 1.0}});
+         SqliteDataStore::Open(other, {false, false, false, false, true});
+         fs::copy_file(folder_.File("other.rzc"), cache_,
+                       fs::copy_options::overwrite_existing);
+       },
+       "Größe €"},
+      {"a folder",
+       [&](auto&) {
+         fs::remove(cache_);
+         fs::create_directory(cache_);
+       },
+       "Größe €", false},
+      {"records edited since",
+       [&](auto&) {
+         ExecSql(path_, "UPDATE records SET v4 = 'edited' WHERE recno = 1");
+       },
+       "edited"},
+      {"data file replaced",
+       [&](auto&) {
+         std::vector<Row> rows = SampleRows();
+         rows[0][3] = "replaced";
+         WriteDataFile(folder_.File("new.rzd"), kNumeric, rows);
+         fs::rename(folder_.File("new.rzd"), path_);
+       },
+       "replaced"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    fs::remove_all(cache_);
+    fs::remove(path_);
+    WriteDataFile(path_, kNumeric, SampleRows());
+    Open();
+    c.spoil(ReadBytes(cache_));
+    auto store = Open();
+    EXPECT_FALSE(store->UsesCache());
+    EXPECT_EQ(store->FullLoadCount(), 1);
+    EXPECT_EQ(store->Value(1, 4), Variant(c.record_1_text));
+    EXPECT_EQ(store->Value(5, 4), Variant("  spaced  "));
+    auto next = Open();
+    EXPECT_EQ(next->UsesCache(), c.made_again);
+    EXPECT_EQ(Contents(*next), Contents(*store));
+  }
+}
+
+TEST_F(ColumnCacheTest, ADamagedColumnIsReadFromTheDataFileAndTheCacheDropped) {
+  std::string bytes = ReadBytes(cache_);
+  bytes.back() ^= 0x10;  // the last number of variable 5
+  WriteBytes(cache_, bytes);
+  auto store = Open();
+  ASSERT_TRUE(store->UsesCache());
+  EXPECT_EQ(store->Value(5, 3), Variant(5e-324));  // an intact column
+  EXPECT_TRUE(fs::exists(cache_));
+  EXPECT_EQ(store->Value(5, 5), Variant(2.0));
+  EXPECT_FALSE(fs::exists(cache_));
+  EXPECT_EQ(store->RecordsRead(), 5);
+  EXPECT_EQ(Contents(*store), expected_);
+}
+
+TEST_F(ColumnCacheTest, AReaderKeepsTheCacheItOpenedWhenAnotherMakesANewOne) {
+  auto before = Open();
+  ASSERT_TRUE(before->UsesCache());
+  ExecSql(path_, "UPDATE records SET v4 = 'edited' WHERE recno = 1");
+  auto after = Open();  // reads the data file, replaces the cache
+  EXPECT_EQ(after->FullLoadCount(), 1);
+  EXPECT_EQ(after->Value(1, 4), Variant("edited"));
+  EXPECT_EQ(before->Value(1, 4), Variant("Größe €"));  // its own state
+  EXPECT_EQ(Open()->Value(1, 4), Variant("edited"));
+}
+
+TEST_F(ColumnCacheTest, FileWithoutMetaUsesTheCacheOnlyWhileUnchanged) {
+  ExecSql(path_,
+          "DROP TABLE meta; DROP TRIGGER records_updated; "
+          "DROP TRIGGER records_deleted; DROP TRIGGER records_inserted_between");
+  Open();  // the file changed: read whole, cache made again
+  EXPECT_TRUE(Open()->UsesCache());
+  ExecSql(path_, "INSERT INTO records(v1, v2, v3) VALUES('2024-03-05', '', 1)");
+  auto store = Open();
+  EXPECT_FALSE(store->UsesCache());
+  EXPECT_EQ(store->RecordCount(), 6);
+}
+
+TEST(ColumnCachePathTest, SitsBesideTheDataFile) {
+  EXPECT_EQ(ColumnCache::PathFor("/a/line4.rzd"), "/a/line4.rzc");
+  EXPECT_EQ(ColumnCache::PathFor("/a/data.db"), "/a/data.db.rzc");
+  EXPECT_EQ(ColumnCache::PathFor(".rzd"), ".rzd.rzc");
+}
+
+}  // namespace
+}  // namespace rz
