@@ -23,7 +23,7 @@ constexpr uint64_t kMagic = 0x31534C4F435A5200;  // "\0RZCOLS1" read LE
 constexpr uint64_t kByteOrder = 0x0102030405060708;
 constexpr uint64_t kVersion = 1;
 constexpr uint64_t kMaxVariables = 32767;
-constexpr size_t kFixedWords = 18;  // up to and with the journal's identity
+constexpr size_t kFixedWords = 20;  // with the fingerprint and a spare
 constexpr uint64_t kHasGeneration = 1;
 constexpr int kPartsPerVariable = 3;
 
@@ -123,6 +123,25 @@ uint64_t CacheChecksum(const void* data, size_t bytes) {
   return Mix(sum, bytes);
 }
 
+uint64_t RecordFingerprint(const RecordColumns& columns, size_t index) {
+  uint64_t fingerprint = 0;
+  for (int k = 1; k <= columns.VariableCount(); ++k) {
+    const RecordColumn& column = columns.Column(k);
+    uint64_t cell = 0;
+    if (column.IsNull(index)) {
+      cell = Mix(0, 1);
+    } else if (column.Numeric()) {
+      const double number = column.Number(index);
+      cell = CacheChecksum(&number, sizeof number);
+    } else {
+      const std::string_view text = column.Text(index);
+      cell = CacheChecksum(text.data(), text.size());
+    }
+    fingerprint = Mix(fingerprint, cell);
+  }
+  return fingerprint;
+}
+
 std::string ColumnCache::PathFor(const std::string& data_path) {
   constexpr std::string_view kDataExtension = ".rzd";
   if (data_path.size() > kDataExtension.size() &&
@@ -167,6 +186,7 @@ bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
   header[7] = static_cast<uint64_t>(origin.edit_generation.value_or(0));
   PutIdentity(origin.stamp.file, &header[8]);
   PutIdentity(origin.stamp.wal, &header[13]);
+  header[18] = origin.last_record_fingerprint;
   auto* flags = reinterpret_cast<unsigned char*>(&header[kFixedWords]);
   for (size_t k = 0; k < variables; ++k) {
     flags[k] = columns.Column(static_cast<int>(k + 1)).Numeric() ? 1 : 0;
@@ -234,6 +254,7 @@ bool ColumnCache::ReadHeader(uint64_t file_size) {
   }
   origin_.stamp.file = GetIdentity(&header[8]);
   origin_.stamp.wal = GetIdentity(&header[13]);
+  origin_.last_record_fingerprint = header[18];
   const uint64_t* table = &header[kFixedWords + FlagWords(variables)];
   sections_.resize(SectionCount(variables));
   for (size_t s = 0; s < sections_.size(); ++s) {

@@ -43,6 +43,10 @@ class ColumnCache {
   struct Origin {
     DataFileStamp stamp;
     std::optional<int64_t> edit_generation;  // none: the file has no meta
+    // RecordFingerprint of the last record held: a file removed and made
+    // again in the same clock tick may get the same inode, size and time,
+    // but hardly the same last record as well.
+    uint64_t last_record_fingerprint = 0;
   };
 
   // The cache path of a data file: its extension ".rzd" replaced by
@@ -96,6 +100,10 @@ class ColumnCache {
 
 // The checksum of a section: 64-bit, over its bytes and its length.
 uint64_t CacheChecksum(const void* data, size_t bytes);
+
+// A checksum of every cell of record `index` (0-based) as `columns` hold
+// it; loads every column.
+uint64_t RecordFingerprint(const RecordColumns& columns, size_t index);
 
 }  // namespace rz
 

@@ -112,17 +112,21 @@ bool SqliteDataStore::OpenFromCache(const Snapshot& snapshot) {
   std::unique_ptr<ColumnCache> cache = ColumnCache::Open(cache_path_, numeric_);
   if (!cache) return false;
   const ColumnCache::Origin& origin = cache->origin();
+  if (!origin.stamp.file.SameFileAs(snapshot.file)) return false;
   auto tail = std::make_unique<RecordColumns>(numeric_);
-  if (origin.stamp != snapshot) {
-    // Only appends keep the cached records valid: the same file with the
-    // same edit generation.
-    if (!origin.edit_generation || !origin.stamp.file.SameFileAs(snapshot.file)) {
-      return false;
-    }
+  if (!origin.edit_generation) {
+    // Made by hand: nothing tells appends from edits.
+    if (origin.stamp != snapshot) return false;
+  } else {
+    // Only appends keep the cached records valid: the same file at the
+    // same edit generation, its last cached record unchanged.
     std::unique_ptr<SqliteDb> db = Connect();
     db->Exec("BEGIN");
     CheckColumns(*db);
-    if (ReadEditGeneration(*db) != origin.edit_generation) return false;
+    if (ReadEditGeneration(*db) != origin.edit_generation ||
+        !HoldsLastCachedRecord(*db, *cache)) {
+      return false;
+    }
     tail = ReadRecords(*db, cache->LastRecordNumber());
     db->Exec("COMMIT");
   }
@@ -146,7 +150,10 @@ bool SqliteDataStore::OpenFromCache(const Snapshot& snapshot) {
 }
 
 void SqliteDataStore::WriteCache() {
-  ColumnCache::Write(cache_path_, *columns_, {snapshot_, edit_generation_});
+  if (columns_->RecordCount() == 0) return;  // nothing worth caching
+  const uint64_t last = RecordFingerprint(*columns_, columns_->RecordCount() - 1);
+  ColumnCache::Write(cache_path_, *columns_,
+                     {snapshot_, edit_generation_, last});
 }
 
 RecordColumn SqliteDataStore::LoadColumn(int variable) {
@@ -260,6 +267,14 @@ std::optional<int64_t> SqliteDataStore::ReadEditGeneration(SqliteDb& db) const {
                               std::string(data_file::kEditGenerationKey) + "'");
 }
 
+std::string SqliteDataStore::SelectSql() const {
+  std::string sql = "SELECT recno";
+  for (size_t k = 1; k <= numeric_.size(); ++k) {
+    sql += ", " + VariableColumn(static_cast<int>(k));
+  }
+  return sql + " FROM records";
+}
+
 std::unique_ptr<RecordColumns> SqliteDataStore::ReadRecords(
     SqliteDb& db, std::optional<int64_t> after) {
   auto columns = std::make_unique<RecordColumns>(numeric_);
@@ -272,11 +287,7 @@ std::unique_ptr<RecordColumns> SqliteDataStore::ReadRecords(
       columns->Reserve(static_cast<size_t>(*last + *last / 8 + 1024));
     }
   }
-  std::string sql = "SELECT recno";
-  for (size_t k = 1; k <= numeric_.size(); ++k) {
-    sql += ", " + VariableColumn(static_cast<int>(k));
-  }
-  sql += " FROM records";
+  std::string sql = SelectSql();
   if (after) sql += " WHERE recno > ?";
   sql += " ORDER BY recno";
   SqliteStatement statement(db, sql);
@@ -284,6 +295,16 @@ std::unique_ptr<RecordColumns> SqliteDataStore::ReadRecords(
   columns->ReadRows(statement);
   records_read_ += static_cast<int64_t>(columns->RecordCount());
   return columns;
+}
+
+bool SqliteDataStore::HoldsLastCachedRecord(SqliteDb& db,
+                                            const ColumnCache& cache) {
+  RecordColumns last(numeric_);
+  SqliteStatement statement(db, SelectSql() + " WHERE recno = ?");
+  statement.BindInt64(1, cache.LastRecordNumber());
+  last.ReadRows(statement);
+  return last.RecordCount() == 1 && RecordFingerprint(last, 0) ==
+                                        cache.origin().last_record_fingerprint;
 }
 
 void SqliteDataStore::LoadAll(SqliteDb& db, const Snapshot& snapshot) {

@@ -14,12 +14,13 @@
 // records belong to the same state of the file. The connection is closed
 // after each load; nothing is held open between refreshes.
 //
-// The column cache (column_cache.h): on open, a cache made from this same
-// state of the file is used instead of reading it: only the date-times are
-// read at once, each variable's column when it is first asked for. A cache
-// made from an earlier state of the same file with the same edit generation
-// is used with the records appended since, read from the data file. Any
-// other cache is ignored; after reading the whole data file the store
+// The column cache (column_cache.h): on open, a cache made from the same
+// file (inode) at the same edit generation, whose last record the file
+// still holds unchanged, is used instead of reading the file: only the
+// date-times are read at once, each variable's column when it is first
+// asked for, and the records appended since the cache was made are read
+// from the data file. A data file without `meta` uses a cache only when its
+// stamp has not changed at all. Any other cache is ignored; after reading the whole data file the store
 // writes a new one (a folder that cannot be written means no cache). A
 // column whose cache section turns out damaged is read from the data file
 // instead, and the cache removed so the next open makes it again.
@@ -98,8 +99,12 @@ class SqliteDataStore : public DataStore, private ColumnLoader {
   bool WalHoldsPages() const;
   void CheckColumns(SqliteDb& db) const;
   std::optional<int64_t> ReadEditGeneration(SqliteDb& db) const;
+  // "SELECT recno, v1, ..., vn FROM records"
+  std::string SelectSql() const;
   std::unique_ptr<RecordColumns> ReadRecords(SqliteDb& db,
                                              std::optional<int64_t> after);
+  // True when the file holds the cache's last record as the cache has it.
+  bool HoldsLastCachedRecord(SqliteDb& db, const ColumnCache& cache);
   // Reads every record; on success replaces what is held.
   void LoadAll(SqliteDb& db, const Snapshot& snapshot);
   // Reads the records after the last one held; true when there were any.

@@ -131,9 +131,9 @@ TEST_F(ColumnCacheTest, RecordsAppendedSinceTheCacheAreReadFromTheDataFile) {
   EXPECT_EQ(Contents(*store), Contents(*SqliteDataStore::Open(path_, kNumeric)));
 }
 
-// The header of five variables takes 18 + 1 + 3 * 16 + 1 words; the
+// The header of five variables takes 20 + 1 + 3 * 16 + 1 words; the
 // date-times come first after it.
-constexpr size_t kFirstSection = 68 * 8;
+constexpr size_t kFirstSection = 70 * 8;
 
 TEST_F(ColumnCacheTest, ACacheThatDoesNotFitIsNeverUsedAndIsMadeAgain) {
   auto flip = [](std::string bytes, size_t at) {
