@@ -2,8 +2,11 @@
 
 #include "repository/cell_store.h"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace rz {
@@ -46,10 +49,29 @@ void CellStore::Arena<T>::Release(uint32_t slot) {
   free.push_back(slot);
 }
 
+void CellStore::ChunkDeleter::operator()(Cell* cells) const {
+  if (mapped_bytes == 0) {
+    delete[] cells;
+  } else {
+    munmap(cells, mapped_bytes);
+  }
+}
+
 CellStore::Chunk CellStore::NewChunk() const {
-  // Value-initialised: every cell Empty.
-  return std::make_unique<Cell[]>(static_cast<size_t>(kChunkRecords) *
-                                  static_cast<size_t>(field_count_));
+  // Every cell Empty: an Empty cell is all zero bytes.
+  static_assert(static_cast<int>(Tag::kEmpty) == 0);
+  constexpr size_t kMappedChunk = size_t{1} << 20;
+  constexpr size_t kHugePage = size_t{2} << 20;
+  const size_t cells =
+      static_cast<size_t>(kChunkRecords) * static_cast<size_t>(field_count_);
+  const size_t bytes = cells * sizeof(Cell);
+  if (bytes < kMappedChunk) return Chunk(new Cell[cells](), ChunkDeleter{});
+  const size_t mapped = (bytes + kHugePage - 1) / kHugePage * kHugePage;
+  void* memory = mmap(nullptr, mapped, PROT_READ | PROT_WRITE,
+                      MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (memory == MAP_FAILED) throw std::bad_alloc();
+  madvise(memory, mapped, MADV_HUGEPAGE);  // a hint; refused is fine
+  return Chunk(static_cast<Cell*>(memory), ChunkDeleter{mapped});
 }
 
 void CellStore::AddField() {

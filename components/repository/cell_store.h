@@ -4,7 +4,10 @@
 // row per record and one column per field. Rows are kept in chunks of
 // kChunkRecords records, each one allocation of whole rows: a run writes
 // cells record by record in order, and growing the store only adds chunks,
-// so no cell is ever copied to a larger buffer.
+// so no cell is ever copied to a larger buffer. A chunk of a megabyte or
+// more comes straight from the kernel, zeroed, in huge pages where the
+// system offers them: a run of a million records then neither clears its
+// cells nor takes a page fault every 4 KiB.
 //
 // A Cell is 16 bytes and needs no heap allocation for the values a run
 // writes: Empty, Null, Boolean, Integer, Long, Double, Date and texts of up
@@ -56,7 +59,7 @@ static_assert(sizeof(Cell) == 16, "a cell must stay 16 bytes");
 
 class CellStore {
  public:
-  static constexpr int32_t kChunkRecords = 1024;
+  static constexpr int32_t kChunkRecords = 8192;
 
   int32_t RecordCount() const { return record_count_; }
   int32_t FieldCount() const { return field_count_; }
@@ -93,7 +96,13 @@ class CellStore {
     size_t Live() const { return slots.size() - free.size(); }
   };
 
-  using Chunk = std::unique_ptr<Cell[]>;
+  // Frees a chunk the way NewChunk made it: `mapped_bytes` from the
+  // kernel, or with delete[] when 0.
+  struct ChunkDeleter {
+    size_t mapped_bytes = 0;
+    void operator()(Cell* cells) const;
+  };
+  using Chunk = std::unique_ptr<Cell[], ChunkDeleter>;
 
   // The first cell of a record's row.
   Cell* Row(int32_t record) const {

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <iterator>
 
 #include "core/date_time.h"
 #include "core/error.h"
@@ -38,6 +40,34 @@ struct RoundedDecimal {
   }
 };
 
+// The common case of RoundHalfAwayFromZero without a decimal text: when
+// the number scaled to `decimals` places has at most 14 integer digits and
+// is not within the 15-digit noise of a half, rounding the scaled binary
+// value gives the same digits as rounding its 15-digit text. False when
+// the text is needed.
+bool RoundDirectly(double value, size_t decimals, RoundedDecimal* number) {
+  static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,
+                                            1e6, 1e7, 1e8,  1e9,  1e10, 1e11,
+                                            1e12, 1e13, 1e14};
+  if (decimals >= std::size(kPowersOfTen)) return false;
+  const double scaled = std::fabs(value) * kPowersOfTen[decimals];
+  if (!(scaled < 1e14)) return false;
+  const double whole = std::floor(scaled);
+  const double fraction = scaled - whole;
+  // The 15-digit text differs from the value by at most 5e-15 of it.
+  if (std::fabs(fraction - 0.5) <= 1e-13 * scaled) return false;
+  const uint64_t rounded =
+      static_cast<uint64_t>(whole) + (fraction > 0.5 ? 1 : 0);
+  if (rounded == 0) return true;  // zero at this many places
+  char* const end =
+      std::to_chars(number->digits, number->digits + kSignificantDigits,
+                    rounded)
+          .ptr;
+  number->count = end - number->digits;
+  number->point = number->count - static_cast<int64_t>(decimals);
+  return true;
+}
+
 // Takes the number's decimal form at 15 significant digits, then rounds that
 // text half away from zero to `decimals` places, so binary noise below the
 // 15th digit never decides the rounding (2.675 -> 2.68).
@@ -45,6 +75,7 @@ RoundedDecimal RoundHalfAwayFromZero(double value, size_t decimals) {
   RoundedDecimal number;
   number.negative = value < 0;
   if (value == 0) return number;
+  if (RoundDirectly(value, decimals, &number)) return number;
   char buffer[40];
   char* const end =
       std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value),

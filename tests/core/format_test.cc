@@ -4,7 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iomanip>
 #include <limits>
+#include <random>
 #include <string>
 
 #include "core/date_time.h"
@@ -55,6 +61,54 @@ TEST(FormatTest, NumbersRoundHalfAwayFromZeroAtFifteenDigits) {
       {"0.000", 5e-4, "0.001"},
   };
   ExpectNumbers(rows, std::size(rows));
+}
+
+// The rule written out plainly: the number's text at 15 significant
+// digits, rounded half away from zero at `decimals` places, by hand on the
+// digits.
+std::string FifteenDigitRounding(double value, int decimals) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.14e", std::fabs(value));
+  std::string digits = std::string(1, text[0]) + std::string(text + 2, 14);
+  const int point = std::atoi(std::strchr(text, 'e') + 1) + 1;
+  // Digits as an integer scaled by 10^decimals, then rounded.
+  std::string integer = digits;
+  const int keep = std::max(point + decimals, 0);
+  if (point + decimals < 0) digits = "0";  // below the last place: zero
+  integer.resize(static_cast<size_t>(std::min(keep, 15)));
+  while (static_cast<int>(integer.size()) < keep) integer += '0';
+  if (keep < 15 && digits[static_cast<size_t>(keep)] >= '5') {
+    int i = keep - 1;
+    while (i >= 0 && integer[static_cast<size_t>(i)] == '9') {
+      integer[static_cast<size_t>(i--)] = '0';
+    }
+    if (i < 0) {
+      integer.insert(integer.begin(), '1');
+    } else {
+      ++integer[static_cast<size_t>(i)];
+    }
+  }
+  while (static_cast<int>(integer.size()) <= decimals) integer.insert(0, "0");
+  std::string result = integer.substr(0, integer.size() - decimals);
+  if (decimals > 0) result += "." + integer.substr(integer.size() - decimals);
+  const bool zero = integer.find_first_not_of('0') == std::string::npos;
+  return (value < 0 && !zero ? "-" : "") + result;
+}
+
+TEST(FormatTest, RandomNumbersRoundAsTheirFifteenDigitText) {
+  std::mt19937_64 random(20261124);
+  std::uniform_real_distribution<double> magnitude(-12, 14);
+  std::uniform_int_distribution<int> places(0, 6);
+  for (int i = 0; i < 200000; ++i) {
+    const int decimals = places(random);
+    double value = std::pow(10.0, magnitude(random));
+    if (i % 3 == 0) value = std::round(value * 1000) / 1000 + 0.0005;  // halves
+    if (i % 2 == 0) value = -value;
+    const std::string mask = decimals == 0 ? "0" : "0." + std::string(decimals, '0');
+    ASSERT_EQ(FormatMask::Compile(mask).FormatNumber(value),
+              FifteenDigitRounding(value, decimals))
+        << std::setprecision(17) << value << " at " << decimals;
+  }
 }
 
 TEST(FormatTest, NumberPlaceholders) {
