@@ -3,6 +3,7 @@
 #include "appfile/column_cache.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -55,19 +56,6 @@ bool WriteAll(int fd, const void* data, size_t bytes, uint64_t offset) {
     from += written;
     bytes -= static_cast<size_t>(written);
     offset += static_cast<uint64_t>(written);
-  }
-  return true;
-}
-
-bool ReadAll(int fd, void* data, size_t bytes, uint64_t offset) {
-  char* into = static_cast<char*>(data);
-  while (bytes > 0) {
-    const ssize_t got = pread(fd, into, bytes, static_cast<off_t>(offset));
-    if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) return false;
-    into += got;
-    bytes -= static_cast<size_t>(got);
-    offset += static_cast<uint64_t>(got);
   }
   return true;
 }
@@ -160,15 +148,14 @@ bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
   pieces.push_back({columns.DateTimes().data(), records * sizeof(double)});
   for (int k = 1; k <= columns.VariableCount(); ++k) {
     const RecordColumn& column = columns.Column(k);
-    pieces.push_back({column.Nulls().Words().data(),
+    pieces.push_back({column.Nulls().Words(),
                       NullWordCount(records) * sizeof(uint64_t)});
     if (column.Numeric()) {
-      pieces.push_back({column.NumberArray().data(), records * sizeof(double)});
+      pieces.push_back({column.Numbers(), records * sizeof(double)});
       pieces.push_back({nullptr, 0});
     } else {
-      const size_t arena = records == 0 ? 0 : column.TextEnds().back();
-      pieces.push_back({column.TextEnds().data(), records * sizeof(size_t)});
-      pieces.push_back({column.TextArena().data(), arena});
+      pieces.push_back({column.TextEnds(), records * sizeof(size_t)});
+      pieces.push_back({column.TextArena().data(), column.TextArena().size()});
     }
   }
 
@@ -214,29 +201,35 @@ std::unique_ptr<ColumnCache> ColumnCache::Open(
     const std::string& path, const std::vector<bool>& numeric) {
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return nullptr;
-  std::unique_ptr<ColumnCache> cache(new ColumnCache(fd, numeric));
   struct stat info {};
-  if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) ||
-      !cache->ReadHeader(static_cast<uint64_t>(info.st_size))) {
-    return nullptr;
+  void* memory = MAP_FAILED;
+  if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0) {
+    memory = mmap(nullptr, static_cast<size_t>(info.st_size), PROT_READ,
+                  MAP_PRIVATE, fd, 0);
   }
+  close(fd);  // the mapping stays
+  if (memory == MAP_FAILED) return nullptr;
+  std::unique_ptr<ColumnCache> cache(new ColumnCache(numeric));
+  cache->file_size_ = static_cast<uint64_t>(info.st_size);
+  cache->mapping_ = std::shared_ptr<const void>(
+      memory, [size = cache->file_size_](const void* start) {
+        munmap(const_cast<void*>(start), size);
+      });
+  if (!cache->ReadHeader()) return nullptr;
   return cache;
 }
 
-ColumnCache::ColumnCache(int fd, std::vector<bool> numeric)
-    : fd_(fd), numeric_(std::move(numeric)) {}
+ColumnCache::ColumnCache(std::vector<bool> numeric)
+    : numeric_(std::move(numeric)) {}
 
-ColumnCache::~ColumnCache() { close(fd_); }
-
-bool ColumnCache::ReadHeader(uint64_t file_size) {
+bool ColumnCache::ReadHeader() {
   const size_t variables = numeric_.size();
   if (variables > kMaxVariables) return false;
-  std::vector<uint64_t> header(HeaderWords(variables));
-  const uint64_t header_bytes = header.size() * sizeof(uint64_t);
-  if (file_size < header_bytes ||
-      !ReadAll(fd_, header.data(), header_bytes, 0)) {
-    return false;
-  }
+  const size_t header_words = HeaderWords(variables);
+  const uint64_t header_bytes = header_words * sizeof(uint64_t);
+  if (file_size_ < header_bytes) return false;
+  std::vector<uint64_t> header(header_words);
+  std::memcpy(header.data(), mapping_.get(), header_bytes);
   if (header[0] != kMagic || header[1] != kByteOrder ||
       header[2] != kVersion || header[3] != variables ||
       header.back() != CacheChecksum(header.data(), header_bytes - 8)) {
@@ -260,8 +253,9 @@ bool ColumnCache::ReadHeader(uint64_t file_size) {
   for (size_t s = 0; s < sections_.size(); ++s) {
     Section& section = sections_[s];
     section = {table[3 * s], table[3 * s + 1], table[3 * s + 2]};
-    if (section.offset < header_bytes || section.offset > file_size ||
-        section.bytes > file_size - section.offset) {
+    if (section.offset < header_bytes || section.offset % 8 != 0 ||
+        section.offset > file_size_ ||
+        section.bytes > file_size_ - section.offset) {
       return false;  // truncated, or not written by Write
     }
   }
@@ -269,9 +263,17 @@ bool ColumnCache::ReadHeader(uint64_t file_size) {
          sections_[0].bytes == record_count_ * sizeof(double);
 }
 
-bool ColumnCache::ReadSection(const Section& section, void* into) const {
-  return ReadAll(fd_, into, section.bytes, section.offset) &&
-         CacheChecksum(into, section.bytes) == section.checksum;
+const char* ColumnCache::SectionData(const Section& section) const {
+  const char* data = static_cast<const char*>(mapping_.get()) + section.offset;
+  return CacheChecksum(data, section.bytes) == section.checksum ? data
+                                                                : nullptr;
+}
+
+template <typename T>
+ColumnBuffer<T> ColumnCache::Borrow(const Section& section,
+                                    const char* data) const {
+  return ColumnBuffer<T>(reinterpret_cast<const T*>(data),
+                         section.bytes / sizeof(T), mapping_);
 }
 
 const ColumnCache::Section& ColumnCache::SectionOf(int variable,
@@ -281,8 +283,10 @@ const ColumnCache::Section& ColumnCache::SectionOf(int variable,
 }
 
 std::optional<std::vector<double>> ColumnCache::ReadDateTimes() const {
+  const char* data = SectionData(sections_[0]);
+  if (data == nullptr) return std::nullopt;
   std::vector<double> date_times(record_count_);
-  if (!ReadSection(sections_[0], date_times.data())) return std::nullopt;
+  std::memcpy(date_times.data(), data, sections_[0].bytes);
   return date_times;
 }
 
@@ -290,32 +294,29 @@ std::optional<RecordColumn> ColumnCache::ReadColumn(int variable) const {
   const Section& nulls = SectionOf(variable, 0);
   const Section& values = SectionOf(variable, 1);
   const Section& arena = SectionOf(variable, 2);
-  const size_t words = NullWordCount(record_count_);
-  if (nulls.bytes != words * sizeof(uint64_t) ||
+  if (nulls.bytes != NullWordCount(record_count_) * sizeof(uint64_t) ||
       values.bytes != record_count_ * sizeof(double)) {
     return std::nullopt;
   }
-  std::vector<uint64_t> null_words(words);
-  if (!ReadSection(nulls, null_words.data())) return std::nullopt;
-  NullMask mask(std::move(null_words), record_count_);
+  const char* null_data = SectionData(nulls);
+  const char* value_data = SectionData(values);
+  if (null_data == nullptr || value_data == nullptr) return std::nullopt;
+  NullMask mask(Borrow<uint64_t>(nulls, null_data), record_count_);
   if (numeric_[static_cast<size_t>(variable - 1)]) {
-    std::vector<double> numbers(record_count_);
-    if (!ReadSection(values, numbers.data())) return std::nullopt;
-    return RecordColumn(std::move(mask), std::move(numbers));
+    return RecordColumn(std::move(mask), Borrow<double>(values, value_data));
   }
-  std::vector<size_t> ends(record_count_);
-  if (!ReadSection(values, ends.data())) return std::nullopt;
+  ColumnBuffer<size_t> ends = Borrow<size_t>(values, value_data);
   // Text() slices the arena with these offsets: they must never decrease
   // nor pass its end, whatever the checksum says.
   size_t previous = 0;
-  for (size_t end : ends) {
-    if (end < previous) return std::nullopt;
-    previous = end;
+  for (size_t i = 0; i < ends.size(); ++i) {
+    if (ends[i] < previous) return std::nullopt;
+    previous = ends[i];
   }
-  if (previous != arena.bytes) return std::nullopt;
-  std::string text(arena.bytes, '\0');
-  if (!ReadSection(arena, text.data())) return std::nullopt;
-  return RecordColumn(std::move(mask), std::move(ends), std::move(text));
+  const char* text_data = SectionData(arena);
+  if (previous != arena.bytes || text_data == nullptr) return std::nullopt;
+  return RecordColumn(std::move(mask), std::move(ends),
+                      Borrow<char>(arena, text_data));
 }
 
 }  // namespace rz

@@ -9,7 +9,9 @@
 // data file is not used (docs/formats.md, "The column cache").
 //
 // The file is written once, whole, through a temporary file and a rename,
-// and never changed in place: a reader keeps its descriptor, so a cache
+// and never changed in place: a reader maps the file into memory when it
+// opens it, and the columns it reads borrow that mapping (no copy; pages
+// come from the system's file cache as they are touched), so a cache
 // replaced by another process while a view runs stays what it was for that
 // reader. Every section carries a checksum that is checked when it is
 // read; the structure a reader relies on (sizes, text offsets) is checked
@@ -64,7 +66,6 @@ class ColumnCache {
   static std::unique_ptr<ColumnCache> Open(const std::string& path,
                                            const std::vector<bool>& numeric);
 
-  ~ColumnCache();
   ColumnCache(const ColumnCache&) = delete;
   ColumnCache& operator=(const ColumnCache&) = delete;
 
@@ -83,12 +84,17 @@ class ColumnCache {
     uint64_t checksum = 0;
   };
 
-  ColumnCache(int fd, std::vector<bool> numeric);
-  bool ReadHeader(uint64_t file_size);
-  bool ReadSection(const Section& section, void* into) const;
+  explicit ColumnCache(std::vector<bool> numeric);
+  bool ReadHeader();
+  // The section's bytes in the mapping; nullptr when its checksum fails.
+  const char* SectionData(const Section& section) const;
+  // The checked bytes `data` of `section` as values the mapping keeps.
+  template <typename T>
+  ColumnBuffer<T> Borrow(const Section& section, const char* data) const;
   const Section& SectionOf(int variable, int part) const;
 
-  int fd_;
+  std::shared_ptr<const void> mapping_;  // the whole file, read-only
+  uint64_t file_size_ = 0;
   std::vector<bool> numeric_;
   Origin origin_;
   size_t record_count_ = 0;

@@ -106,11 +106,11 @@ double RecordDateTime(std::string_view date, std::string_view time) {
 
 // --- RecordColumn ---
 
-RecordColumn::RecordColumn(NullMask nulls, std::vector<double> numbers)
+RecordColumn::RecordColumn(NullMask nulls, ColumnBuffer<double> numbers)
     : numeric_(true), nulls_(std::move(nulls)), numbers_(std::move(numbers)) {}
 
-RecordColumn::RecordColumn(NullMask nulls, std::vector<size_t> ends,
-                           std::string arena)
+RecordColumn::RecordColumn(NullMask nulls, ColumnBuffer<size_t> ends,
+                           ColumnBuffer<char> arena)
     : numeric_(false),
       nulls_(std::move(nulls)),
       arena_(std::move(arena)),
@@ -163,7 +163,7 @@ void RecordColumn::AppendNumber(double value) {
 
 void RecordColumn::AppendText(std::string_view text) {
   nulls_.Append(false);
-  arena_.append(text);
+  arena_.append(text.data(), text.size());
   ends_.push_back(arena_.size());
 }
 

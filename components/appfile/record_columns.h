@@ -27,6 +27,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -36,6 +37,74 @@ namespace rz {
 
 class SqliteStatement;
 
+// Values of one kind, one or more per record: held in a vector, or
+// borrowed from memory another object keeps alive (the column cache's
+// mapping of its file) until the first change copies them. Copies share
+// borrowed memory and copy held values.
+template <typename T>
+class ColumnBuffer {
+ public:
+  ColumnBuffer() = default;
+  explicit ColumnBuffer(std::vector<T> values)
+      : held_(std::move(values)), data_(held_.data()), size_(held_.size()) {}
+  ColumnBuffer(const T* data, size_t size, std::shared_ptr<const void> keep)
+      : data_(data), size_(size), keep_(std::move(keep)) {}
+  ColumnBuffer(const ColumnBuffer& other)
+      : held_(other.held_),
+        data_(other.keep_ ? other.data_ : held_.data()),
+        size_(other.size_),
+        keep_(other.keep_) {}
+  ColumnBuffer& operator=(const ColumnBuffer& other) {
+    if (this != &other) *this = ColumnBuffer(other);
+    return *this;
+  }
+  // A vector keeps its storage when moved, so data_ stays valid.
+  ColumnBuffer(ColumnBuffer&&) noexcept = default;
+  ColumnBuffer& operator=(ColumnBuffer&&) noexcept = default;
+
+  const T* data() const { return data_; }
+  size_t size() const { return size_; }
+  size_t capacity() const { return keep_ ? size_ : held_.capacity(); }
+  const T& operator[](size_t index) const { return data_[index]; }
+
+  void push_back(const T& value) {
+    Hold();
+    held_.push_back(value);
+    Repoint();
+  }
+  void append(const T* values, size_t count) {
+    Hold();
+    held_.insert(held_.end(), values, values + count);
+    Repoint();
+  }
+  T& back() {
+    Hold();
+    return held_.back();
+  }
+  void reserve(size_t count) {
+    Hold();
+    held_.reserve(count);
+    Repoint();
+  }
+
+ private:
+  void Hold() {
+    if (!keep_) return;
+    held_.assign(data_, data_ + size_);
+    keep_.reset();
+    Repoint();
+  }
+  void Repoint() {
+    data_ = held_.data();
+    size_ = held_.size();
+  }
+
+  std::vector<T> held_;
+  const T* data_ = nullptr;
+  size_t size_ = 0;
+  std::shared_ptr<const void> keep_;  // set while borrowing
+};
+
 // One bit per record.
 class NullMask {
  public:
@@ -43,7 +112,7 @@ class NullMask {
   // A mask of `size` records with the bits in `words` (64 a word, the
   // first record in the lowest bit). REQUIRES: words.size() == size / 64 +
   // (size % 64 != 0).
-  NullMask(std::vector<uint64_t> words, size_t size)
+  NullMask(ColumnBuffer<uint64_t> words, size_t size)
       : words_(std::move(words)), size_(size) {}
 
   void Append(bool is_null) {
@@ -58,11 +127,11 @@ class NullMask {
   // a word at a time.
   size_t NextSet(size_t begin, size_t end) const;
   void Reserve(size_t count) { words_.reserve(count / 64 + 1); }
-  const std::vector<uint64_t>& Words() const { return words_; }
+  const uint64_t* Words() const { return words_.data(); }
   size_t Size() const { return size_; }
 
  private:
-  std::vector<uint64_t> words_;
+  ColumnBuffer<uint64_t> words_;
   size_t size_ = 0;
 };
 
@@ -71,10 +140,11 @@ class RecordColumn {
   explicit RecordColumn(bool numeric) : numeric_(numeric) {}
   // A numeric column from its parts. REQUIRES: numbers.size() ==
   // nulls.Size().
-  RecordColumn(NullMask nulls, std::vector<double> numbers);
+  RecordColumn(NullMask nulls, ColumnBuffer<double> numbers);
   // A text column from its parts. REQUIRES: ends.size() == nulls.Size(),
-  // ends never decrease, the last end is at most arena.size().
-  RecordColumn(NullMask nulls, std::vector<size_t> ends, std::string arena);
+  // ends never decrease, the last end is arena.size().
+  RecordColumn(NullMask nulls, ColumnBuffer<size_t> ends,
+               ColumnBuffer<char> arena);
 
   bool Numeric() const { return numeric_; }
   void Reserve(size_t records);
@@ -97,14 +167,15 @@ class RecordColumn {
   }
   std::string_view Text(size_t index) const {
     const size_t begin = index == 0 ? 0 : ends_[index - 1];
-    return std::string_view(arena_).substr(begin, ends_[index] - begin);
+    return std::string_view(arena_.data() + begin, ends_[index] - begin);
   }
 
   // The parts, for the column cache.
   const NullMask& Nulls() const { return nulls_; }
-  const std::vector<double>& NumberArray() const { return numbers_; }
-  const std::vector<size_t>& TextEnds() const { return ends_; }
-  const std::string& TextArena() const { return arena_; }
+  const size_t* TextEnds() const { return ends_.data(); }
+  std::string_view TextArena() const {
+    return std::string_view(arena_.data(), arena_.size());
+  }
 
   // Appends the records of `other`, a column of the same kind.
   void Append(const RecordColumn& other, size_t other_count);
@@ -114,9 +185,9 @@ class RecordColumn {
  private:
   bool numeric_;
   NullMask nulls_;
-  std::vector<double> numbers_;  // numeric: the value (0 for NULL)
-  std::string arena_;            // text: every record's text in a row
-  std::vector<size_t> ends_;     // text: where each record's text ends
+  ColumnBuffer<double> numbers_;  // numeric: the value (0 for NULL)
+  ColumnBuffer<char> arena_;      // text: every record's text in a row
+  ColumnBuffer<size_t> ends_;     // text: where each record's text ends
 };
 
 // Delivers a variable's whole column to RecordColumns when it is first
