@@ -5,9 +5,8 @@
 #include "vbscript/vb_errors.h"
 
 namespace rz::vb {
-namespace {
 
-const DispatchTable<ErrObject>& Table() {
+const DispatchTable<ErrObject>& ErrObject::Table() {
   static const DispatchTable<ErrObject> table = [] {
     DispatchTable<ErrObject> t;
     t.Property(
@@ -32,6 +31,20 @@ const DispatchTable<ErrObject>& Table() {
           self.Record(
               Error(self.Number(), self.Description(), value.ToString()));
         });
+    t.Property(
+        "HelpFile",
+        [](ErrObject& self, DispatchArgs&) { return Variant(self.help_file_); },
+        [](ErrObject& self, const Variant& value, DispatchArgs&) {
+          self.help_file_ = value.ToString();
+        });
+    t.Property(
+        "HelpContext",
+        [](ErrObject& self, DispatchArgs&) {
+          return Variant(self.help_context_);
+        },
+        [](ErrObject& self, const Variant& value, DispatchArgs&) {
+          self.help_context_ = value.ToLong();
+        });
     t.Method("Clear", [](ErrObject& self, DispatchArgs&) {
       self.Clear();
       return Variant();
@@ -48,26 +61,13 @@ const DispatchTable<ErrObject>& Table() {
   return table;
 }
 
-}  // namespace
-
 Variant ErrObject::Invoke(std::string_view name, InvokeKind kind,
                           DispatchArgs& args) {
-  if (SameMemberName(name, "HelpFile")) {
-    if (kind == InvokeKind::kPut) help_file_ = args.back().ToString();
-    return Variant(help_file_);
-  }
-  if (SameMemberName(name, "HelpContext")) {
-    if (kind == InvokeKind::kPut) help_context_ = args.back().ToLong();
-    return Variant(help_context_);
-  }
   return Table().Invoke(*this, name, kind, args);
 }
 
 std::vector<std::string> ErrObject::MemberNames() const {
-  std::vector<std::string> names = Table().Names();
-  names.push_back("HelpFile");
-  names.push_back("HelpContext");
-  return names;
+  return Table().Names();
 }
 
 void ErrObject::Record(const Error& error) {

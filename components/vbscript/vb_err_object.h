@@ -38,6 +38,9 @@ class ErrObject : public Dispatch {
   const std::string& Source() const { return source_; }
 
  private:
+  // Every member, Help* included (kept for scripts, not used otherwise).
+  static const DispatchTable<ErrObject>& Table();
+
   int32_t number_ = 0;
   std::string description_;
   std::string source_;

@@ -16,10 +16,14 @@ bool IsWrite(InvokeKind kind) {
 // LimitValue always names a limit. LimitMethod shares its name with the
 // LIMITMETHOD attribute: it names a limit only when it carries the limit
 // argument (one argument to read, two to write).
+// The limit accessors, which take the limit as their first argument.
+constexpr std::string_view kLimitAccessors[] = {"LimitMethod", "LimitValue"};
+
 bool IsLimitAccess(std::string_view name, size_t arg_count,
                    size_t indexed_count) {
-  if (SameMemberName(name, "LimitValue")) return true;
-  return SameMemberName(name, "LimitMethod") && arg_count == indexed_count;
+  if (SameMemberName(name, kLimitAccessors[1])) return true;
+  return SameMemberName(name, kLimitAccessors[0]) &&
+         arg_count == indexed_count;
 }
 
 void RequireArguments(const DispatchArgs& args, size_t count,
@@ -28,6 +32,33 @@ void RequireArguments(const DispatchArgs& args, size_t count,
 }
 
 }  // namespace
+
+// The members beside the attributes and the limits: read, write and name
+// from this one table.
+struct RepositoryField::PlainMember {
+  std::string_view name;
+  Variant (*get)(const RepositoryField&);
+  void (*set)(RepositoryField&, const Variant&);
+};
+
+const RepositoryField::PlainMember RepositoryField::kPlainMembers[] = {
+    {"FieldType", [](const RepositoryField& f) { return Variant(f.field_type_); },
+     [](RepositoryField& f, const Variant& v) { f.field_type_ = v.ToInteger(); }},
+    {"Format", [](const RepositoryField& f) { return Variant(f.format_); },
+     [](RepositoryField& f, const Variant& v) { f.format_ = v.ToString(); }},
+    {"RawField", [](const RepositoryField& f) { return Variant(f.raw_field_); },
+     [](RepositoryField& f, const Variant& v) { f.raw_field_ = v.ToInteger(); }},
+    {"Visible", [](const RepositoryField& f) { return Variant(f.visible_); },
+     [](RepositoryField& f, const Variant& v) { f.visible_ = v.ToBool(); }},
+};
+
+const RepositoryField::PlainMember* RepositoryField::FindPlainMember(
+    std::string_view name) {
+  for (const PlainMember& member : kPlainMembers) {
+    if (SameMemberName(name, member.name)) return &member;
+  }
+  return nullptr;
+}
 
 RepositoryField::RepositoryField(std::string name, int16_t field_type,
                                  int16_t length, int16_t decimals,
@@ -99,7 +130,7 @@ Variant RepositoryField::Invoke(std::string_view name, InvokeKind kind,
 }
 
 Variant RepositoryField::GetMember(std::string_view name, DispatchArgs& args) {
-  const bool limit_method = SameMemberName(name, "LimitMethod");
+  const bool limit_method = SameMemberName(name, kLimitAccessors[0]);
   if (IsLimitAccess(name, args.size(), 1)) {
     RequireArguments(args, 1, name);
     const RepositoryLimit& limit =
@@ -110,15 +141,14 @@ Variant RepositoryField::GetMember(std::string_view name, DispatchArgs& args) {
   if (auto attribute = FieldDefinition::AttributeForKey(name)) {
     return Attribute(*attribute);
   }
-  if (SameMemberName(name, "FieldType")) return Variant(field_type_);
-  if (SameMemberName(name, "Format")) return Variant(format_);
-  if (SameMemberName(name, "RawField")) return Variant(raw_field_);
-  if (SameMemberName(name, "Visible")) return Variant(visible_);
+  if (const PlainMember* member = FindPlainMember(name)) {
+    return member->get(*this);
+  }
   throw Error::MemberNotSupported(name);
 }
 
 void RepositoryField::PutMember(std::string_view name, DispatchArgs& args) {
-  const bool limit_method = SameMemberName(name, "LimitMethod");
+  const bool limit_method = SameMemberName(name, kLimitAccessors[0]);
   if (IsLimitAccess(name, args.size(), 2)) {
     RequireArguments(args, 2, name);
     RepositoryLimit& limit = Limit(FieldDefinition::LimitForArgument(args[0]));
@@ -136,14 +166,8 @@ void RepositoryField::PutMember(std::string_view name, DispatchArgs& args) {
       throw Error::MemberNotSupported(name);
     }
     SetAttribute(*attribute, value);
-  } else if (SameMemberName(name, "FieldType")) {
-    field_type_ = value.ToInteger();
-  } else if (SameMemberName(name, "Format")) {
-    format_ = value.ToString();
-  } else if (SameMemberName(name, "RawField")) {
-    raw_field_ = value.ToInteger();
-  } else if (SameMemberName(name, "Visible")) {
-    visible_ = value.ToBool();
+  } else if (const PlainMember* member = FindPlainMember(name)) {
+    member->set(*this, value);
   } else {
     throw Error::MemberNotSupported(name);
   }
@@ -154,9 +178,11 @@ std::vector<std::string> RepositoryField::MemberNames() const {
   for (int i = 0; i < kFieldAttributeCount; ++i) {
     names.emplace_back(FieldDefinition::KeyOf(static_cast<FieldAttribute>(i)));
   }
-  for (std::string_view extra : {"FieldType", "Format", "RawField", "Visible",
-                                 "LimitMethod", "LimitValue"}) {
-    names.emplace_back(extra);
+  for (const PlainMember& member : kPlainMembers) {
+    names.emplace_back(member.name);
+  }
+  for (std::string_view accessor : kLimitAccessors) {
+    names.emplace_back(accessor);
   }
   return names;
 }

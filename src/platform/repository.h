@@ -150,6 +150,10 @@ class RepositoryField : public Dispatch {
   std::vector<std::string> MemberNames() const override;
 
  private:
+  struct PlainMember;
+  static const PlainMember kPlainMembers[];
+  static const PlainMember* FindPlainMember(std::string_view name);
+
   Variant GetMember(std::string_view name, DispatchArgs& args);
   void PutMember(std::string_view name, DispatchArgs& args);
 

@@ -58,6 +58,7 @@ TEST(DispatchMembersTest, EveryListedMemberIsReachable) {
       app,
       repository,
       repository->Fields().Item(3),
+      app->Variables().Item(3),
       dialog.RecentFilters(),
   };
   for (const char* list :
