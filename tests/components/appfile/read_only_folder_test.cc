@@ -64,24 +64,33 @@ class ReadOnlyFolderTest : public ApplicationFileTest {
 };
 
 // Every way the data file's companions can lie beside it when the folder
-// is shared read-only; each reads all of its records.
+// is shared read-only; each reads all of its records, and a reader that
+// cannot write the folder leaves no column cache behind.
 TEST_F(ReadOnlyFolderTest, OpensAndReadsEveryRecord) {
   const struct {
     const char* name;
     std::function<void()> prepare;
     int32_t records;
+    bool cached;  // a column cache lies beside the data file
   } cases[] = {
-      {"no journal, no index", [] {}, 4},
-      {"the empty journal and index a reader leaves",
-       [this] { Open("app.rzt"); }, 4},
+      {"no journal, no index", [] {}, 4, false},
+      {"the empty journal, index and cache a reader leaves",
+       [this] { Open("app.rzt"); }, 4, true},
       {"a journal holding a record, with its index",
-       [this] { AppendAndDieWithoutClosing(Data()); }, 5},
+       [this] { AppendAndDieWithoutClosing(Data()); }, 5, false},
+      {"a cache older than the record in the journal",
+       [this] {
+         Open("app.rzt");
+         AppendAndDieWithoutClosing(Data());
+       },
+       5, true},
   };
   for (const auto& c : cases) {
     ::chmod(folder_.c_str(), 0755);
     for (const char* suffix : {"-wal", "-shm"}) {
       DeleteFileQuietly(Data() + suffix);
     }
+    DeleteFileQuietly(Path("app.rzc"));
     c.prepare();
     const UnprivilegedRun run = OpenReadOnly([&](ApplicationFile& file) {
       if (!file.ApplicationExists() || file.RecordCount() != c.records ||
@@ -96,6 +105,8 @@ TEST_F(ReadOnlyFolderTest, OpensAndReadsEveryRecord) {
     });
     if (!run.skip_reason.empty()) GTEST_SKIP() << run.skip_reason;
     EXPECT_EQ(run.status, 0) << c.name;
+    EXPECT_EQ(::access(Path("app.rzc").c_str(), F_OK) == 0, c.cached)
+        << c.name;
   }
 }
 
