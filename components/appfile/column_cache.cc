@@ -141,7 +141,7 @@ std::string ColumnCache::PathFor(const std::string& data_path) {
 }
 
 bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
-                        const Origin& origin) {
+                        const Origin& origin, const std::string& data_path) {
   const size_t variables = static_cast<size_t>(columns.VariableCount());
   const size_t records = columns.RecordCount();
   std::vector<Piece> pieces;
@@ -162,6 +162,13 @@ bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
   std::string temp = path + ".tmp-XXXXXX";
   const int fd = mkostemp(temp.data(), O_CLOEXEC);
   if (fd < 0) return false;
+  struct stat data_info {};
+  if (stat(data_path.c_str(), &data_info) != 0 ||
+      fchmod(fd, data_info.st_mode & 0666) != 0) {
+    close(fd);
+    unlink(temp.c_str());
+    return false;
+  }
   std::vector<uint64_t> header(HeaderWords(variables), 0);
   header[0] = kMagic;
   header[1] = kByteOrder;

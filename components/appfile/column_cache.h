@@ -56,10 +56,11 @@ class ColumnCache {
   static std::string PathFor(const std::string& data_path);
 
   // Writes every column of `columns` (loading those not loaded) with
-  // `origin` to `path`, replacing what is there; false when it could not
-  // (nothing is left behind then).
+  // `origin` to `path`, replacing what is there, readable by those who may
+  // read `data_path` (its read and write permission bits); false when it
+  // could not (nothing is left behind then).
   static bool Write(const std::string& path, const RecordColumns& columns,
-                    const Origin& origin);
+                    const Origin& origin, const std::string& data_path);
 
   // Opens the cache at `path` for variables with the numeric flags
   // `numeric`; nullptr when there is none or it is not a cache of them.

@@ -153,7 +153,7 @@ void SqliteDataStore::WriteCache() {
   if (columns_->RecordCount() == 0) return;  // nothing worth caching
   const uint64_t last = RecordFingerprint(*columns_, columns_->RecordCount() - 1);
   ColumnCache::Write(cache_path_, *columns_,
-                     {snapshot_, edit_generation_, last});
+                     {snapshot_, edit_generation_, last}, path_);
 }
 
 RecordColumn SqliteDataStore::LoadColumn(int variable) {

@@ -97,6 +97,17 @@ TEST_F(ColumnCacheTest, ASecondOpenReadsTheCacheAndSeesTheSameRecords) {
   EXPECT_FALSE(store->InTimeOrder());  // the record without a date
 }
 
+TEST_F(ColumnCacheTest, WhoMayReadTheDataFileMayReadTheCache) {
+  for (mode_t mode : {0600, 0640, 0644}) {
+    ASSERT_EQ(::chmod(path_.c_str(), mode), 0);
+    fs::remove(cache_);
+    Open();
+    struct stat info {};
+    ASSERT_EQ(::stat(cache_.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, mode);
+  }
+}
+
 TEST_F(ColumnCacheTest, OnlyTheColumnsAskedForAreRead) {
   auto store = Open();
   for (int v = 1; v <= 5; ++v) EXPECT_FALSE(store->Columns().IsLoaded(v));
