@@ -560,16 +560,13 @@ int32_t ApplicationFile::SummaryExtent() const {
 
 namespace {
 
-// True when the cell of record `record` holds `wanted` (already trimmed):
-// "" matches no value; texts compare trimmed without regard to case;
-// numbers numerically or by their shortest text.
+// True when the cell of record `record` of a numeric column holds `wanted`
+// (already trimmed): "" matches no value; numbers compare numerically or
+// by their shortest text.
 bool HoldsPivotValue(const RecordColumn& column, int32_t record,
                      std::string_view wanted, std::optional<double> number) {
   const size_t index = static_cast<size_t>(record);
   if (column.IsNull(index)) return wanted.empty();
-  if (!column.Numeric()) {
-    return EqualsIgnoreCase(TrimSpaces(column.Text(index)), wanted);
-  }
   if (wanted.empty()) return false;
   const double value = column.Number(index);
   return (number && value == *number) || ShortestNumberText(value) == wanted;
@@ -593,9 +590,23 @@ void ApplicationFile::RestrictStatistics(int32_t position, int32_t /*extent*/,
   CheckVariable(pivot_variable, 1);
   const RecordColumn& column = store_->Columns().Column(pivot_variable);
   const std::string_view wanted = TrimSpaces(pivot_value);
-  std::optional<double> number;
-  if (column.Numeric() && IsNumericText(wanted)) number = LeadingNumber(wanted);
   std::vector<int32_t> records;
+  if (!column.Numeric()) {
+    // Texts compare by their folded codes, worked out once per column.
+    const std::vector<int32_t>& codes = column.FoldedCodes();
+    const int32_t code = column.FoldedCodeOf(wanted);
+    if (code >= 0) {
+      for (int32_t record : StatisticRecords()) {
+        if (codes[static_cast<size_t>(record)] == code) {
+          records.push_back(record);
+        }
+      }
+    }
+    restricted_ = std::move(records);
+    return;
+  }
+  std::optional<double> number;
+  if (IsNumericText(wanted)) number = LeadingNumber(wanted);
   for (int32_t record : StatisticRecords()) {
     if (HoldsPivotValue(column, record, wanted, number)) {
       records.push_back(record);

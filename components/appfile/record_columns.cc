@@ -167,6 +167,28 @@ void RecordColumn::AppendText(std::string_view text) {
   ends_.push_back(arena_.size());
 }
 
+const std::vector<int32_t>& RecordColumn::FoldedCodes() const {
+  const size_t count = nulls_.Size();
+  folded_codes_.reserve(count);
+  for (size_t i = folded_codes_.size(); i < count; ++i) {
+    const std::string_view stored = IsNull(i) ? std::string_view() : Text(i);
+    auto found = stored_ids_.find(stored);
+    if (found == stored_ids_.end()) {
+      const std::string folded = UpperCase(TrimSpaces(stored));
+      const auto [id, added] = folded_ids_.emplace(
+          folded, static_cast<int32_t>(folded_ids_.size()));
+      found = stored_ids_.emplace(std::string(stored), id->second).first;
+    }
+    folded_codes_.push_back(found->second);
+  }
+  return folded_codes_;
+}
+
+int32_t RecordColumn::FoldedCodeOf(std::string_view text) const {
+  const auto found = folded_ids_.find(UpperCase(text));
+  return found == folded_ids_.end() ? -1 : found->second;
+}
+
 void RecordColumn::Append(const RecordColumn& other, size_t other_count) {
   for (size_t i = 0; i < other_count; ++i) {
     if (other.IsNull(i)) {

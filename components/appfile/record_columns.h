@@ -30,6 +30,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -177,6 +178,16 @@ class RecordColumn {
     return std::string_view(arena_.data(), arena_.size());
   }
 
+  // Text columns: a number for every record that two records share
+  // exactly when their texts are equal trimmed and without regard to case
+  // (a null cell counts as blank text), for passes that compare many
+  // records with one text. Worked out on first use and for records
+  // appended since, then kept.
+  const std::vector<int32_t>& FoldedCodes() const;
+  // The number of `text` (already trimmed) among FoldedCodes(); -1 when no
+  // record holds it. REQUIRES: FoldedCodes() called since the last append.
+  int32_t FoldedCodeOf(std::string_view text) const;
+
   // Appends the records of `other`, a column of the same kind.
   void Append(const RecordColumn& other, size_t other_count);
   // See RecordColumns::LeaveRoomToGrow.
@@ -188,6 +199,20 @@ class RecordColumn {
   ColumnBuffer<double> numbers_;  // numeric: the value (0 for NULL)
   ColumnBuffer<char> arena_;      // text: every record's text in a row
   ColumnBuffer<size_t> ends_;     // text: where each record's text ends
+
+  // FoldedCodes: the codes, the code of each folded text, and the code of
+  // each text as it is stored (most records repeat a few texts).
+  struct TextHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view text) const {
+      return std::hash<std::string_view>()(text);
+    }
+  };
+  using CodeMap =
+      std::unordered_map<std::string, int32_t, TextHash, std::equal_to<>>;
+  mutable std::vector<int32_t> folded_codes_;
+  mutable CodeMap folded_ids_;
+  mutable CodeMap stored_ids_;
 };
 
 // Delivers a variable's whole column to RecordColumns when it is first

@@ -548,5 +548,34 @@ TEST_F(DataWriterTest, CreatesMetaTriggersAndWal) {
   EXPECT_EQ(generation(), "3");  // before the last record
 }
 
+// Pivot columns compare their texts by code: equal codes exactly for
+// texts equal trimmed and without regard to case, blank and null alike,
+// and records appended after the first use get theirs too.
+TEST(FoldedCodesTest, EqualCodesForTextsEqualTrimmedWithoutCase) {
+  RecordColumn column(false);
+  for (const char* text : {"Line 1", " line 1 ", "LINE 2", "éclair", "ÉCLAIR",
+                           "", "  "}) {
+    column.AppendText(text);
+  }
+  column.AppendNull();
+  std::vector<int32_t> codes = column.FoldedCodes();
+  ASSERT_EQ(codes.size(), 8u);
+  EXPECT_EQ(codes[0], codes[1]);
+  EXPECT_NE(codes[0], codes[2]);
+  EXPECT_EQ(codes[3], codes[4]);
+  EXPECT_EQ(codes[5], codes[6]);
+  EXPECT_EQ(codes[5], codes[7]);
+  EXPECT_EQ(column.FoldedCodeOf("line 1"), codes[0]);
+  EXPECT_EQ(column.FoldedCodeOf("Éclair"), codes[3]);
+  EXPECT_EQ(column.FoldedCodeOf(""), codes[7]);
+  EXPECT_EQ(column.FoldedCodeOf("Line 3"), -1);
+  column.AppendText("line 3");
+  column.AppendText("line 2 ");
+  codes = column.FoldedCodes();
+  ASSERT_EQ(codes.size(), 10u);
+  EXPECT_EQ(column.FoldedCodeOf("LINE 3"), codes[8]);
+  EXPECT_EQ(codes[9], codes[2]);
+}
+
 }  // namespace
 }  // namespace rz
