@@ -12,6 +12,7 @@
 #include "platform/app_file.h"
 #include "platform/application_replace.h"
 #include "platform/file_system.h"
+#include "platform/mapped_file.h"
 #include "rzselect/csv_import.h"
 #include "rzselect/csv_reader.h"
 #include "rzselect/new_application.h"
@@ -37,13 +38,13 @@ std::string FileTitle(std::string_view path) {
 }
 
 void Report(std::ostream& out, std::string_view template_path,
-            const NewApplication& application) {
+            const NewApplication& application, const WrittenRecords& written) {
   out << "Wrote " << template_path << " and " << WithoutExtension(template_path)
       << ".rzd: " << application.variables.size() << " variables, "
-      << application.records.size() << " records";
-  if (!application.records.empty()) {
-    const auto& first = application.records.front();
-    const auto& last = application.records.back();
+      << written.count << " records";
+  if (written.count > 0) {
+    const auto& first = written.first;
+    const auto& last = written.last;
     out << " from " << first[0].ToString() << " " << first[1].ToString()
         << " to " << last[0].ToString() << " " << last[1].ToString();
   }
@@ -84,21 +85,54 @@ void RunSample(Platform& platform, const SampleOptions& options,
   ApplicationReplacement replacement(template_path);
   const NewApplication application =
       GenerateSample(options.records, options.seed);
+  WrittenRecords written;
   WriteStaged(replacement, template_path, [&](const std::string& staged) {
     std::shared_ptr<AppFile> file = platform.CreateAppFile();
-    WriteNewApplication(*file, application, staged, false);
+    written = WriteNewApplication(*file, application, staged, false);
     // The engine holds its platform by shared pointer; this one outlives
     // it.
     WriteSampleViews(std::shared_ptr<Platform>(&platform, [](Platform*) {}),
                      staged);
   });
   replacement.Commit();
-  Report(out, template_path, application);
+  Report(out, template_path, application, written);
   out << "Wrote " << std::size(kSampleViewNames) << " views ("
       << WithoutExtension(template_path) << ".V1 .. .V"
       << std::size(kSampleViewNames) << "); the default is \""
       << kSampleViewNames[0] << "\"\n";
 }
+
+namespace {
+
+// Gives back the pages of the mapped file behind the reader every 16 MiB.
+class ReleasingCsvSource : public CsvTextSource {
+ public:
+  ReleasingCsvSource(std::string_view text, std::string_view file_name,
+                     MappedFile& file)
+      : CsvTextSource(text, file_name),
+        file_(file),
+        offset_(static_cast<size_t>(text.data() - file.Bytes().data())) {}
+  bool Next(CsvRecord* record) override {
+    const bool found = CsvTextSource::Next(record);
+    if (Position() >= released_ + kStep) {
+      released_ = Position();
+      file_.ReleaseBefore(offset_ + released_);
+    }
+    return found;
+  }
+  void Restart() override {
+    CsvTextSource::Restart();
+    released_ = 0;
+  }
+
+ private:
+  static constexpr size_t kStep = size_t{16} << 20;
+  MappedFile& file_;
+  size_t offset_;
+  size_t released_ = 0;
+};
+
+}  // namespace
 
 void RunImport(Platform& platform, const ImportOptions& options,
                std::ostream& out) {
@@ -109,19 +143,23 @@ void RunImport(Platform& platform, const ImportOptions& options,
   if (!folder.empty() && !FileExists(folder)) {
     throw Error::PathNotFound(folder);
   }
-  const std::string text = DecodeCsvText(ReadBinaryFile(options.csv_path));
-  const std::vector<CsvRecord> records = ParseCsv(text, options.csv_path);
+  // The file is read twice, never held: the check of every record, then
+  // the records as they are written.
+  MappedFile csv(options.csv_path);
+  ReleasingCsvSource source(WithoutUtf8Bom(csv.Bytes()), options.csv_path,
+                            csv);
   const std::string title =
       options.title.empty() ? FileTitle(options.csv_path) : options.title;
   const NewApplication application =
-      ApplicationFromCsv(records, options.csv_path, title);
+      ApplicationFromCsv(source, options.csv_path, title);
   ApplicationReplacement replacement(template_path);
+  WrittenRecords written;
   WriteStaged(replacement, template_path, [&](const std::string& staged) {
     std::shared_ptr<AppFile> file = platform.CreateAppFile();
-    WriteNewApplication(*file, application, staged, false);
+    written = WriteNewApplication(*file, application, staged, false);
   });
   replacement.Commit();
-  Report(out, template_path, application);
+  Report(out, template_path, application, written);
 }
 
 }  // namespace rz

@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
 #include <set>
+#include <utility>
 
+#include "core/codec.h"
 #include "core/date_time.h"
 #include "core/error.h"
 #include "core/text.h"
@@ -99,27 +102,51 @@ std::string Quoted(std::string_view text) {
   return "'" + std::string(text) + "'";
 }
 
-// Reads the records into the date, time and value columns, checking each.
+// The records of a vector, for ApplicationFromCsv.
+class VectorSource : public CsvRecordSource {
+ public:
+  explicit VectorSource(const std::vector<CsvRecord>& records)
+      : records_(records) {}
+  void Restart() override { next_ = 0; }
+  bool Next(CsvRecord* record) override {
+    if (next_ >= records_.size()) return false;
+    *record = records_[next_++];
+    return true;
+  }
+
+ private:
+  const std::vector<CsvRecord>& records_;
+  size_t next_ = 0;
+};
+
+// Reads the records twice: once to check each and work out the variables
+// (Build), then, as the writer asks, to turn each into its values
+// (NextValues).
 class CsvImporter {
  public:
-  CsvImporter(const std::vector<CsvRecord>& records, std::string_view file)
-      : records_(records), file_(file) {}
+  CsvImporter(CsvRecordSource& source, std::string_view file)
+      : source_(source), file_(file) {}
 
   NewApplication Build(std::string_view title) {
-    if (records_.empty()) {
+    source_.Restart();
+    CsvRecord header;
+    if (!source_.Next(&header)) {
       throw Error::MalformedLine(
           file_, 1, "the file is empty; a header row of names is expected");
     }
-    header_ = records_[0].fields;
-    const CsvRecord* first = records_.size() > 1 ? &records_[1] : nullptr;
-    if (first != nullptr) CheckFieldCount(*first);
+    header_ = header.fields;
+    header_line_ = header.line;
+    for (const std::string& name : header_) NoteText(name);
+    CsvRecord first;
+    const bool has_first = source_.Next(&first);
+    if (has_first) CheckFieldCount(first);
     std::optional<DateTimeColumns> columns =
-        FindDateTimeColumns(header_, first);
+        FindDateTimeColumns(header_, has_first ? &first : nullptr);
     if (!columns) {
       throw Error::MalformedLine(
-          file_, records_[0].line,
-          "no date and time columns: name them Date and Time, or put the "
-          "date and time (or one date-time column) first");
+          file_, header_line_,
+          "no date and time columns: name them Date and Time (or DateTime), "
+          "or give a date and a time (or one date-time) in the first record");
     }
     columns_ = *columns;
     for (int c = 0; c < static_cast<int>(header_.size()); ++c) {
@@ -127,8 +154,47 @@ class CsvImporter {
         value_columns_.push_back(c);
       }
     }
-    ReadRecords();
+    shapes_.assign(value_columns_.size(), ColumnShapeAccumulator());
+    if (has_first) Survey(first);
+    CsvRecord record;
+    while (source_.Next(&record)) Survey(record);
+    if (windows_1252_) {
+      for (std::string& name : header_) name = DecodeWindows1252(name);
+    }
     return MakeApplication(title);
+  }
+
+  // The values of the next record (date text, time text, then one per
+  // value column); false after the last.
+  bool NextValues(std::vector<Variant>* values) {
+    if (!reading_) {
+      source_.Restart();
+      CsvRecord header;
+      source_.Next(&header);
+      reading_ = true;
+    }
+    if (!source_.Next(&record_)) return false;
+    if (windows_1252_) {
+      for (std::string& field : record_.fields) {
+        field = DecodeWindows1252(field);
+      }
+    }
+    CheckFieldCount(record_);
+    const auto [date, time] = ReadDateTime(record_);
+    values->clear();
+    values->emplace_back(date);
+    values->emplace_back(time);
+    for (size_t v = 0; v < value_columns_.size(); ++v) {
+      const std::string text = Trim(record_.fields[value_columns_[v]]);
+      if (text.empty()) {
+        values->push_back(Variant::Null());
+      } else if (numeric_[v]) {
+        values->emplace_back(*ParsePlainNumber(text));
+      } else {
+        values->emplace_back(text);
+      }
+    }
+    return true;
   }
 
  private:
@@ -140,8 +206,29 @@ class CsvImporter {
                                    std::to_string(header_.size()));
   }
 
+  void Survey(const CsvRecord& record) {
+    CheckFieldCount(record);
+    ReadDateTime(record);
+    for (size_t v = 0; v < value_columns_.size(); ++v) {
+      const std::string& field = record.fields[value_columns_[v]];
+      NoteText(field);
+      shapes_[v].Add(Trim(field));
+    }
+  }
+
+  // The file is read as UTF-8 unless some text is not UTF-8; then every
+  // byte is a Windows-1252 character (what spreadsheets on Windows write).
+  void NoteText(std::string_view text) {
+    if (!windows_1252_ && !IsValidUtf8(text)) windows_1252_ = true;
+  }
+
+  // A text of the file as UTF-8, for a message.
+  static std::string Shown(std::string_view text) {
+    return IsValidUtf8(text) ? std::string(text) : DecodeWindows1252(text);
+  }
+
   std::string ColumnName(int column) const {
-    return Quoted(Trim(header_[column]));
+    return Quoted(Shown(Trim(header_[column])));
   }
 
   std::string NeedValue(const CsvRecord& record, int column,
@@ -159,12 +246,14 @@ class CsvImporter {
                              std::string_view value,
                              std::string_view expected) const {
     throw Error::BadLineValue(file_, record.line,
-                              Quoted(value) + " in column " +
+                              Quoted(Shown(value)) + " in column " +
                                   ColumnName(column) + " is not " +
                                   std::string(expected));
   }
 
-  void ReadDateTime(const CsvRecord& record) {
+  // The record's date and time texts, checked.
+  std::pair<std::string, std::string> ReadDateTime(
+      const CsvRecord& record) const {
     if (columns_.combined >= 0) {
       const std::string value =
           NeedValue(record, columns_.combined, "the date and time");
@@ -173,31 +262,15 @@ class CsvImporter {
         BadValue(record, columns_.combined, value,
                  "a date and time (yyyy-mm-dd hh:mm:ss)");
       }
-      dates_.push_back(parts->first);
-      times_.push_back(parts->second);
-      return;
+      return *parts;
     }
     const std::string date = NeedValue(record, columns_.date, "the date");
     std::optional<std::string> date_text = ParseDateText(date);
-    if (!date_text)
-      BadValue(record, columns_.date, date, "a date (yyyy-mm-dd)");
+    if (!date_text) BadValue(record, columns_.date, date, "a date (yyyy-mm-dd)");
     const std::string time = NeedValue(record, columns_.time, "the time");
     std::optional<std::string> time_text = ParseTimeText(time);
     if (!time_text) BadValue(record, columns_.time, time, "a time (hh:mm:ss)");
-    dates_.push_back(*date_text);
-    times_.push_back(*time_text);
-  }
-
-  void ReadRecords() {
-    values_.assign(value_columns_.size(), {});
-    for (size_t r = 1; r < records_.size(); ++r) {
-      const CsvRecord& record = records_[r];
-      CheckFieldCount(record);
-      ReadDateTime(record);
-      for (size_t v = 0; v < value_columns_.size(); ++v) {
-        values_[v].push_back(Trim(record.fields[value_columns_[v]]));
-      }
-    }
+    return {*date_text, *time_text};
   }
 
   NewApplication MakeApplication(std::string_view title) {
@@ -211,47 +284,70 @@ class CsvImporter {
     application.variables.push_back(NewVariable(
         names.Take(combined ? "Time" : header_[columns_.time], columns_.time),
         "T", 8, 0, 2, 0));
-    std::vector<ColumnShape> shapes;
     for (size_t v = 0; v < value_columns_.size(); ++v) {
-      std::vector<std::string_view> views(values_[v].begin(), values_[v].end());
-      shapes.push_back(InferColumnShape(views));
+      const ColumnShape shape = shapes_[v].Shape(windows_1252_);
+      numeric_.push_back(shape.type == "N");
       application.variables.push_back(
           NewVariable(names.Take(header_[value_columns_[v]], value_columns_[v]),
-                      shapes.back().type, shapes.back().length,
-                      shapes.back().decimals, static_cast<int>(v) + 3, 0));
-    }
-    application.records.reserve(dates_.size());
-    for (size_t r = 0; r < dates_.size(); ++r) {
-      std::vector<Variant> record;
-      record.reserve(value_columns_.size() + 2);
-      record.emplace_back(dates_[r]);
-      record.emplace_back(times_[r]);
-      for (size_t v = 0; v < value_columns_.size(); ++v) {
-        const std::string& text = values_[v][r];
-        if (text.empty()) {
-          record.push_back(Variant::Null());
-        } else if (shapes[v].type == "N") {
-          record.push_back(Variant(*ParsePlainNumber(text)));
-        } else {
-          record.push_back(Variant(text));
-        }
-      }
-      application.records.push_back(std::move(record));
+                      shape.type, shape.length, shape.decimals,
+                      static_cast<int>(v) + 3, 0));
     }
     return application;
   }
 
-  const std::vector<CsvRecord>& records_;
+  CsvRecordSource& source_;
   std::string_view file_;
   std::vector<std::string> header_;
+  int64_t header_line_ = 1;
   DateTimeColumns columns_;
   std::vector<int> value_columns_;
-  std::vector<std::string> dates_;
-  std::vector<std::string> times_;
-  std::vector<std::vector<std::string>> values_;  // per value column
+  std::vector<ColumnShapeAccumulator> shapes_;
+  std::vector<bool> numeric_;  // per value column
+  bool reading_ = false;
+  bool windows_1252_ = false;
+  CsvRecord record_;
 };
 
 }  // namespace
+
+CsvTextSource::CsvTextSource(std::string_view text, std::string_view file_name)
+    : text_(text), file_name_(file_name) {}
+
+void CsvTextSource::Restart() {
+  parser_ = std::make_unique<CsvParser>(text_, file_name_);
+}
+
+bool CsvTextSource::Next(CsvRecord* record) {
+  if (!parser_) Restart();
+  return parser_->Next(record);
+}
+
+void ColumnShapeAccumulator::Add(std::string_view value) {
+  if (value.empty()) return;
+  any_ = true;
+  longest_ = std::max(longest_, CharacterCount(value));
+  longest_bytes_ = std::max(longest_bytes_, static_cast<int64_t>(value.size()));
+  if (!numeric_) return;
+  std::optional<NumberParts> parts = SplitPlainNumber(value);
+  if (!parts || !ParsePlainNumber(value)) {
+    numeric_ = false;
+    return;
+  }
+  negative_ = negative_ || parts->negative;
+  integer_digits_ = std::max(integer_digits_, parts->integer_digits);
+  decimals_ = std::max(decimals_, parts->decimals);
+}
+
+ColumnShape ColumnShapeAccumulator::Shape(bool windows_1252) const {
+  if (!any_ || !numeric_) {
+    return ColumnShape{"T", ClampLength(windows_1252 ? longest_bytes_ : longest_),
+                       0};
+  }
+  const int64_t length = integer_digits_ + decimals_ + (negative_ ? 1 : 0) +
+                         (decimals_ > 0 ? 1 : 0);
+  return ColumnShape{"N", ClampLength(length),
+                     static_cast<int16_t>(std::min<int64_t>(decimals_, 255))};
+}
 
 std::optional<double> ParsePlainNumber(std::string_view text) {
   if (!SplitPlainNumber(text)) return std::nullopt;
@@ -266,31 +362,9 @@ std::optional<double> ParsePlainNumber(std::string_view text) {
 }
 
 ColumnShape InferColumnShape(const std::vector<std::string_view>& values) {
-  bool any = false;
-  bool numeric = true;
-  bool negative = false;
-  int64_t integer_digits = 1;
-  int64_t decimals = 0;
-  int64_t longest = 1;
-  for (std::string_view value : values) {
-    if (value.empty()) continue;
-    any = true;
-    longest = std::max(longest, CharacterCount(value));
-    if (!numeric) continue;
-    std::optional<NumberParts> parts = SplitPlainNumber(value);
-    if (!parts || !ParsePlainNumber(value)) {
-      numeric = false;
-      continue;
-    }
-    negative = negative || parts->negative;
-    integer_digits = std::max(integer_digits, parts->integer_digits);
-    decimals = std::max(decimals, parts->decimals);
-  }
-  if (!any || !numeric) return ColumnShape{"T", ClampLength(longest), 0};
-  const int64_t length =
-      integer_digits + decimals + (negative ? 1 : 0) + (decimals > 0 ? 1 : 0);
-  return ColumnShape{"N", ClampLength(length),
-                     static_cast<int16_t>(std::min<int64_t>(decimals, 255))};
+  ColumnShapeAccumulator shape;
+  for (std::string_view value : values) shape.Add(value);
+  return shape.Shape();
 }
 
 std::optional<std::string> ParseDateText(std::string_view text) {
@@ -305,17 +379,29 @@ std::optional<std::string> ParseDateText(std::string_view text) {
 }
 
 std::optional<std::string> ParseTimeText(std::string_view text) {
-  const std::vector<std::string> parts = Split(text, ':');
-  if (parts.size() != 2 && parts.size() != 3) return std::nullopt;
-  if (parts[0].empty() || parts[0].size() > 2 || !AllDigits(parts[0])) {
+  // h:mm, hh:mm, h:mm:ss or hh:mm:ss.
+  const size_t first_colon = text.find(':');
+  if (first_colon != 1 && first_colon != 2) return std::nullopt;
+  const std::string_view hour_text = text.substr(0, first_colon);
+  const std::string_view rest = text.substr(first_colon + 1);
+  if (rest.size() != 2 && !(rest.size() == 5 && rest[2] == ':')) {
     return std::nullopt;
   }
-  for (size_t i = 1; i < parts.size(); ++i) {
-    if (parts[i].size() != 2 || !AllDigits(parts[i])) return std::nullopt;
+  const std::string_view minute_text = rest.substr(0, 2);
+  const std::string_view second_text =
+      rest.size() == 5 ? rest.substr(3, 2) : std::string_view("00");
+  if (!AllDigits(hour_text) || !AllDigits(minute_text) ||
+      !AllDigits(second_text)) {
+    return std::nullopt;
   }
-  const int hour = std::stoi(parts[0]);
-  const int minute = std::stoi(parts[1]);
-  const int second = parts.size() == 3 ? std::stoi(parts[2]) : 0;
+  auto number = [](std::string_view digits) {
+    int value = 0;
+    for (char c : digits) value = value * 10 + (c - '0');
+    return value;
+  };
+  const int hour = number(hour_text);
+  const int minute = number(minute_text);
+  const int second = number(second_text);
   if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
   return TwoDigits(hour) + ":" + TwoDigits(minute) + ":" + TwoDigits(second);
 }
@@ -360,10 +446,28 @@ std::optional<DateTimeColumns> FindDateTimeColumns(
   return std::nullopt;
 }
 
+NewApplication ApplicationFromCsv(CsvRecordSource& source,
+                                  std::string_view file_name,
+                                  std::string_view title) {
+  auto importer = std::make_shared<CsvImporter>(source, file_name);
+  NewApplication application = importer->Build(title);
+  application.record_source = [importer](std::vector<Variant>* values) {
+    return importer->NextValues(values);
+  };
+  return application;
+}
+
 NewApplication ApplicationFromCsv(const std::vector<CsvRecord>& records,
                                   std::string_view file_name,
                                   std::string_view title) {
-  return CsvImporter(records, file_name).Build(title);
+  VectorSource source(records);
+  NewApplication application = ApplicationFromCsv(source, file_name, title);
+  std::vector<Variant> values;
+  while (application.record_source(&values)) {
+    application.records.push_back(values);
+  }
+  application.record_source = nullptr;
+  return application;
 }
 
 }  // namespace rz

@@ -37,6 +37,7 @@
 #define RZ_APPS_RZSELECT_CSV_IMPORT_H_
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -53,6 +54,25 @@ struct ColumnShape {
   int16_t length = 1;
   int16_t decimals = 0;
   bool operator==(const ColumnShape&) const = default;
+};
+
+// The shape of a column from its values, given one at a time (empty ones
+// are ignored).
+class ColumnShapeAccumulator {
+ public:
+  void Add(std::string_view value);
+  // With `windows_1252` a text's length is its byte count (each byte one
+  // character), else its UTF-8 characters.
+  ColumnShape Shape(bool windows_1252 = false) const;
+
+ private:
+  bool any_ = false;
+  bool numeric_ = true;
+  bool negative_ = false;
+  int64_t integer_digits_ = 1;
+  int64_t decimals_ = 0;
+  int64_t longest_ = 1;
+  int64_t longest_bytes_ = 1;
 };
 
 // The shape of a column from its values (empty ones are ignored).
@@ -83,8 +103,43 @@ struct DateTimeColumns {
 std::optional<DateTimeColumns> FindDateTimeColumns(
     const std::vector<std::string>& header, const CsvRecord* first_record);
 
+// The records of a CSV file from the start, each time Restart is called.
+class CsvRecordSource {
+ public:
+  virtual ~CsvRecordSource() = default;
+  virtual void Restart() = 0;
+  // The next record; false after the last. Raises the reader's errors.
+  virtual bool Next(CsvRecord* record) = 0;
+};
+
+// The records of a CSV file's bytes as CsvParser reads them (without a
+// byte-order mark; UTF-8 or Windows-1252, ApplicationFromCsv tells which).
+// `text` must outlive the source.
+class CsvTextSource : public CsvRecordSource {
+ public:
+  CsvTextSource(std::string_view text, std::string_view file_name);
+  void Restart() override;
+  bool Next(CsvRecord* record) override;
+  // How far the current reading has come, in bytes of the text.
+  size_t Position() const { return parser_ ? parser_->Position() : 0; }
+
+ private:
+  std::string_view text_;
+  std::string file_name_;
+  std::unique_ptr<CsvParser> parser_;
+};
+
 // Builds the application titled `title` from the records of `file_name`
-// (the first record is the header).
+// (the first record is the header), reading them once to check every
+// record and work out the variables. Texts are UTF-8 unless one of them is
+// not; then every text of the file is read as Windows-1252. The records are not held: the
+// application's record_source reads `source` again as the writer asks for
+// them, so `source` must outlive the application.
+NewApplication ApplicationFromCsv(CsvRecordSource& source,
+                                  std::string_view file_name,
+                                  std::string_view title);
+
+// The same from records in memory, with every record in `records`.
 NewApplication ApplicationFromCsv(const std::vector<CsvRecord>& records,
                                   std::string_view file_name,
                                   std::string_view title);

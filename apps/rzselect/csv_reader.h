@@ -15,8 +15,9 @@
 // they still count. A trailing comma makes a last empty field.
 //
 // Errors: ParseCsv raises Error::MalformedLine ("FILE:LINE: ...", error 5)
-// for a quote that is never closed (at the line it opened on) and for text
-// after a closing quote. It does not compare field counts; the importer
+// for a quote that is never closed (at the line it opened on), for text
+// after a closing quote, for a field longer than 16 MiB and for a record
+// of more than 32,767 fields. It does not compare field counts; the importer
 // does, since it knows the header. Nothing else throws.
 
 #ifndef RZ_APPS_RZSELECT_CSV_READER_H_
@@ -42,6 +43,45 @@ bool IsValidUtf8(std::string_view bytes);
 // The file's bytes as UTF-8 text: without a leading UTF-8 byte-order mark,
 // decoded from Windows-1252 when they are not valid UTF-8.
 std::string DecodeCsvText(std::string_view bytes);
+
+// `bytes` without a leading UTF-8 byte-order mark.
+std::string_view WithoutUtf8Bom(std::string_view bytes);
+
+// Reads the records of a text one at a time (the header is the first
+// record), so a file of any size needs memory for one record only.
+// `file_name` names the file in error messages; `text` must outlive the
+// parser.
+class CsvParser {
+ public:
+  CsvParser(std::string_view text, std::string_view file_name);
+
+  // The next record into `record` (its fields replaced); false at the end.
+  bool Next(CsvRecord* record);
+  // How far the text has been read, in bytes.
+  size_t Position() const { return pos_; }
+
+ private:
+  bool AtLineEnd() const;
+  // Steps over CR LF, LF or CR and counts the line.
+  void SkipLineEnd();
+  // Reads one field and what ends it (a comma, a line end or the end of
+  // the text). Returns false at the end of the text.
+  bool ParseField();
+  void ParseQuoted();
+  [[noreturn]] void FieldTooLong(int64_t line) const;
+  // Closes the current record; a blank line (one empty, unquoted field)
+  // is no record.
+  void EndRecord();
+
+  std::string_view text_;
+  std::string_view file_name_;
+  size_t pos_ = 0;
+  int64_t line_ = 1;
+  CsvRecord record_;
+  std::string field_;
+  bool field_quoted_ = false;
+  bool record_ready_ = false;
+};
 
 // Splits UTF-8 text into records of fields (the header is the first
 // record). `file_name` names the file in error messages.

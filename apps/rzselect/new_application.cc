@@ -61,16 +61,33 @@ void WriteVariables(AppFile& file, const NewApplication& application) {
   }
 }
 
-void WriteRecords(AppFile& file, const NewApplication& application) {
-  for (const std::vector<Variant>& record : application.records) {
-    file.AddRecord();
-    int16_t variable = 0;
-    for (const Variant& value : record) {
-      ++variable;
-      if (!value.IsNull()) file.SetValue(variable, value);
-    }
-    file.SaveRecord(0);
+void WriteRecord(AppFile& file, const std::vector<Variant>& record,
+                 WrittenRecords* written) {
+  file.AddRecord();
+  int16_t variable = 0;
+  for (const Variant& value : record) {
+    ++variable;
+    if (!value.IsNull()) file.SetValue(variable, value);
   }
+  file.SaveRecord(0);
+  if (written->count++ == 0) written->first = record;
+}
+
+WrittenRecords WriteRecords(AppFile& file, const NewApplication& application) {
+  WrittenRecords written;
+  if (application.record_source) {
+    std::vector<Variant> record;
+    while (application.record_source(&record)) {
+      WriteRecord(file, record, &written);
+    }
+    if (written.count > 0) written.last = record;
+  } else {
+    for (const std::vector<Variant>& record : application.records) {
+      WriteRecord(file, record, &written);
+    }
+    if (written.count > 0) written.last = application.records.back();
+  }
+  return written;
 }
 
 }  // namespace
@@ -117,15 +134,18 @@ void RefuseExistingApplication(std::string_view template_path) {
   if (existing) throw Error::FileAlreadyExists(*existing);
 }
 
-void WriteNewApplication(AppFile& file, const NewApplication& application,
-                         std::string_view template_path, bool replace) {
+WrittenRecords WriteNewApplication(AppFile& file,
+                                   const NewApplication& application,
+                                   std::string_view template_path,
+                                   bool replace) {
   if (!replace) RefuseExistingApplication(template_path);
   WriteHeader(file, application);
   WriteVariables(file, application);
   file.SetOpenMode(kOpenCreateNew);
   file.OpenApplication(template_path);
-  WriteRecords(file, application);
+  WrittenRecords written = WriteRecords(file, application);
   file.CloseApplication();
+  return written;
 }
 
 }  // namespace rz

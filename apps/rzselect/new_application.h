@@ -17,6 +17,7 @@
 #define RZ_APPS_RZSELECT_NEW_APPLICATION_H_
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,6 +44,11 @@ struct NewApplication {
   // text "yyyy-mm-dd", the time text "hh:mm:ss", then a Double or a String
   // per variable, Null for no value.
   std::vector<std::vector<Variant>> records;
+  // When set, the records come from here instead, one at a time (the
+  // values of the next record into its argument; false after the last,
+  // leaving the argument as it was),
+  // so an application of any size is written without holding its records.
+  std::function<bool(std::vector<Variant>*)> record_source;
 };
 
 // A definition for variable `position` with the defaults of a new variable
@@ -71,10 +77,20 @@ std::optional<std::string> ExistingApplicationFile(
 // when there is one.
 void RefuseExistingApplication(std::string_view template_path);
 
+// What WriteNewApplication wrote: the number of records and the first
+// and the last (empty when there were none).
+struct WrittenRecords {
+  int64_t count = 0;
+  std::vector<Variant> first;
+  std::vector<Variant> last;
+};
+
 // Writes `application` at `template_path` ("dir/name.rzt"; the data file
 // is "dir/name.rzd") through `file`, a new closed application-file object.
-void WriteNewApplication(AppFile& file, const NewApplication& application,
-                         std::string_view template_path, bool replace);
+WrittenRecords WriteNewApplication(AppFile& file,
+                                   const NewApplication& application,
+                                   std::string_view template_path,
+                                   bool replace);
 
 }  // namespace rz
 

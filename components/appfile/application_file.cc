@@ -681,17 +681,19 @@ void ApplicationFile::SetValue(int16_t variable, const Variant& value) {
     cell = Variant::Null();
     return;
   }
-  const std::string target = "variable " + std::to_string(variable) + " '" +
-                             template_.variables[variable - 1]->Name() + "'";
+  auto target = [&] {
+    return "variable " + std::to_string(variable) + " '" +
+           template_.variables[variable - 1]->Name() + "'";
+  };
   if (value.IsObject() || value.IsArray()) {
-    throw Error::TypeMismatchFor(value.TypeName(), target);
+    throw Error::TypeMismatchFor(value.TypeName(), target());
   }
   if (!IsNumericVariable(variable)) {
-    cell = Variant(value.ToString());
+    cell = value.IsString() ? value : Variant(value.ToString());
   } else if (value.IsNumber()) {
     cell = Variant(value.ToDouble());
   } else {
-    throw Error::TypeMismatchFor(value.ToString(), target);
+    throw Error::TypeMismatchFor(value.ToString(), target());
   }
 }
 

@@ -129,6 +129,10 @@ bool FolerReadOnly(Platform& platform, std::string_view folder) {
   return read_only;
 }
 
+Error FileReadError(int error_number, std::string_view path) {
+  return ReadError(error_number, path);
+}
+
 std::string ReadBinaryFile(std::string_view path) {
   if (!IsUsablePath(path)) throw Error::BadFileName(path);
   const std::string normalized = NormalizePath(path);

@@ -69,6 +69,11 @@ void WriteTextFileAtomically(std::string_view path, std::string_view utf8_text);
 // itself, not followed.
 void WriteBinaryFileAtomically(std::string_view path, std::string_view bytes);
 
+// The error for an open or read of an existing file `path` that failed
+// with the system's `error_number`: 53 missing, 76 a missing folder, 70
+// not permitted, 52 a name too long, 75 the rest.
+Error FileReadError(int error_number, std::string_view path);
+
 // The error for a create, write or rename of `path` that failed with the
 // system's `error_number`: a missing name means a missing folder (76),
 // EACCES, EPERM and EROFS are 70, a name too long 52, the rest 75.
