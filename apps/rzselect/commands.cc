@@ -84,7 +84,7 @@ void RunSample(Platform& platform, const SampleOptions& options,
   MakeFolder(options.folder);
   ApplicationReplacement replacement(template_path);
   const NewApplication application =
-      GenerateSample(options.records, options.seed);
+      StreamSample(options.records, options.seed);
   WrittenRecords written;
   WriteStaged(replacement, template_path, [&](const std::string& staged) {
     std::shared_ptr<AppFile> file = platform.CreateAppFile();

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <memory>
 #include <numbers>
 #include <set>
 #include <string>
@@ -313,7 +314,7 @@ double SampleRandom::Normal() {
   return radius * std::cos(angle);
 }
 
-NewApplication GenerateSample(int32_t records, uint64_t seed) {
+NewApplication StreamSample(int32_t records, uint64_t seed) {
   NewApplication application;
   application.title = "Line 4 - filling and capping";
   application.default_look_back = 500;
@@ -322,12 +323,33 @@ NewApplication GenerateSample(int32_t records, uint64_t seed) {
   application.secured_functions = "EXPORT";
   application.rules = SampleRules();
   AddVariables(application);
-  SampleRandom random(seed);
-  RecordMaker maker(random, records);
-  application.records.reserve(records);
-  for (int32_t index = 0; index < records; ++index) {
-    application.records.push_back(maker.Make(index));
+  // The records are made as the writer asks for them, in the same order
+  // from the same random numbers as always.
+  struct Maker {
+    explicit Maker(uint64_t seed, int32_t records)
+        : random(seed), maker(random, records), count(records) {}
+    SampleRandom random;
+    RecordMaker maker;
+    int32_t count;
+    int32_t next = 0;
+  };
+  auto state = std::make_shared<Maker>(seed, records);
+  application.record_source = [state](std::vector<Variant>* record) {
+    if (state->next >= state->count) return false;
+    *record = state->maker.Make(state->next++);
+    return true;
+  };
+  return application;
+}
+
+NewApplication GenerateSample(int32_t records, uint64_t seed) {
+  NewApplication application = StreamSample(records, seed);
+  application.records.reserve(static_cast<size_t>(records));
+  std::vector<Variant> record;
+  while (application.record_source(&record)) {
+    application.records.push_back(record);
   }
+  application.record_source = nullptr;
   return application;
 }
 

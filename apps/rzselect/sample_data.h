@@ -58,8 +58,13 @@ class SampleRandom {
   double spare_ = 0;
 };
 
-// The example application with `records` records (at least 1).
+// The example application with `records` records (at least 1), held in
+// memory.
 NewApplication GenerateSample(int32_t records, uint64_t seed);
+
+// The same application with the records made one at a time as its
+// record_source is asked (the same records as GenerateSample's).
+NewApplication StreamSample(int32_t records, uint64_t seed);
 
 }  // namespace rz
 
