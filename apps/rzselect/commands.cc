@@ -150,8 +150,10 @@ void RunImport(Platform& platform, const ImportOptions& options,
                             csv);
   const std::string title =
       options.title.empty() ? FileTitle(options.csv_path) : options.title;
+  const DateTimeChoice choice{options.date_column, options.time_column,
+                              options.datetime_column};
   const NewApplication application =
-      ApplicationFromCsv(source, options.csv_path, title);
+      ApplicationFromCsv(source, options.csv_path, title, choice);
   ApplicationReplacement replacement(template_path);
   WrittenRecords written;
   WriteStaged(replacement, template_path, [&](const std::string& staged) {

@@ -45,6 +45,10 @@ struct ImportOptions {
   std::string template_path;  // the new application's .rzt
   std::string title;          // empty: the CSV file's name without extension
   bool force = false;
+  // The date and time columns, when not found by the import's rules.
+  std::string date_column;
+  std::string time_column;
+  std::string datetime_column;
 };
 
 void RunSample(Platform& platform, const SampleOptions& options,

@@ -124,8 +124,9 @@ class VectorSource : public CsvRecordSource {
 // (NextValues).
 class CsvImporter {
  public:
-  CsvImporter(CsvRecordSource& source, std::string_view file)
-      : source_(source), file_(file) {}
+  CsvImporter(CsvRecordSource& source, std::string_view file,
+              const DateTimeChoice& choice)
+      : source_(source), file_(file), choice_(choice) {}
 
   NewApplication Build(std::string_view title) {
     source_.Restart();
@@ -141,12 +142,16 @@ class CsvImporter {
     const bool has_first = source_.Next(&first);
     if (has_first) CheckFieldCount(first);
     std::optional<DateTimeColumns> columns =
-        FindDateTimeColumns(header_, has_first ? &first : nullptr);
+        choice_.Empty()
+            ? FindDateTimeColumns(header_, has_first ? &first : nullptr)
+            : ChosenDateTimeColumns(header_, choice_, file_, header_line_);
     if (!columns) {
       throw Error::MalformedLine(
           file_, header_line_,
           "no date and time columns: name them Date and Time (or DateTime), "
-          "or give a date and a time (or one date-time) in the first record");
+          "give a date and a time (or one date-time) in the first record, "
+          "or choose them with --date-column and --time-column (or "
+          "--datetime-column)");
     }
     columns_ = *columns;
     for (int c = 0; c < static_cast<int>(header_.size()); ++c) {
@@ -297,6 +302,7 @@ class CsvImporter {
 
   CsvRecordSource& source_;
   std::string_view file_;
+  DateTimeChoice choice_;
   std::vector<std::string> header_;
   int64_t header_line_ = 1;
   DateTimeColumns columns_;
@@ -437,19 +443,62 @@ std::optional<DateTimeColumns> FindDateTimeColumns(
   if (date >= 0 && ParseDateTimeText(value(date))) {
     return DateTimeColumns{-1, -1, date};
   }
-  if (names.size() >= 2 && ParseDateText(value(0)) && ParseTimeText(value(1))) {
-    return DateTimeColumns{0, 1, -1};
+  // By content: the first column holding a date and the first holding a
+  // time, wherever they are; else the first holding both.
+  const int count = static_cast<int>(names.size());
+  int date_column = -1;
+  int time_column = -1;
+  for (int c = 0; c < count; ++c) {
+    if (date_column < 0 && ParseDateText(value(c))) date_column = c;
+    if (time_column < 0 && ParseTimeText(value(c))) time_column = c;
   }
-  if (!names.empty() && ParseDateTimeText(value(0))) {
-    return DateTimeColumns{-1, -1, 0};
+  if (date_column >= 0 && time_column >= 0) {
+    return DateTimeColumns{date_column, time_column, -1};
+  }
+  for (int c = 0; c < count; ++c) {
+    if (ParseDateTimeText(value(c))) return DateTimeColumns{-1, -1, c};
   }
   return std::nullopt;
 }
 
+DateTimeColumns ChosenDateTimeColumns(const std::vector<std::string>& header,
+                                      const DateTimeChoice& choice,
+                                      std::string_view file_name,
+                                      int64_t header_line) {
+  auto column_of = [&](const std::string& wanted, std::string_view option) {
+    const std::string name = UpperCase(Trim(wanted));
+    for (size_t c = 0; c < header.size(); ++c) {
+      if (UpperCase(Trim(header[c])) == name) return static_cast<int>(c);
+    }
+    int number = 0;
+    const auto [end, error] =
+        std::from_chars(wanted.data(), wanted.data() + wanted.size(), number);
+    if (error == std::errc() && end == wanted.data() + wanted.size() &&
+        number >= 1 && number <= static_cast<int>(header.size())) {
+      return number - 1;
+    }
+    throw Error::MalformedLine(file_name, header_line,
+                               std::string(option) + " " + Quoted(wanted) +
+                                   ": no column of that name or number");
+  };
+  if (!choice.combined.empty()) {
+    return DateTimeColumns{-1, -1, column_of(choice.combined,
+                                              "--datetime-column")};
+  }
+  const int date = column_of(choice.date, "--date-column");
+  const int time = column_of(choice.time, "--time-column");
+  if (date == time) {
+    throw Error::MalformedLine(file_name, header_line,
+                               "the date and the time must be two columns");
+  }
+  return DateTimeColumns{date, time, -1};
+}
+
 NewApplication ApplicationFromCsv(CsvRecordSource& source,
                                   std::string_view file_name,
-                                  std::string_view title) {
-  auto importer = std::make_shared<CsvImporter>(source, file_name);
+                                  std::string_view title,
+                                  const DateTimeChoice& choice) {
+  auto importer = std::make_shared<CsvImporter>(source, file_name, choice);
   NewApplication application = importer->Build(title);
   application.record_source = [importer](std::vector<Variant>* values) {
     return importer->NextValues(values);
@@ -461,7 +510,8 @@ NewApplication ApplicationFromCsv(const std::vector<CsvRecord>& records,
                                   std::string_view file_name,
                                   std::string_view title) {
   VectorSource source(records);
-  NewApplication application = ApplicationFromCsv(source, file_name, title);
+  NewApplication application =
+      ApplicationFromCsv(source, file_name, title, DateTimeChoice());
   std::vector<Variant> values;
   while (application.record_source(&values)) {
     application.records.push_back(values);

@@ -9,10 +9,10 @@
 //   2. one column holding both: named "DateTime", "Date Time", "Date/Time",
 //      "Date_Time", "Timestamp" or "Time Stamp", or named "Date" while no
 //      column is named "Time" and its first value holds a time too;
-//   3. the first two columns, when the first record's values there read as
-//      a date and a time;
-//   4. the first column, when the first record's value there reads as a
-//      date and time.
+//   3. by the first record's values: the first column holding a date and
+//      the first holding a time, wherever they are;
+//   4. the first column whose value in the first record is a date and time.
+// Or the user chooses them (DateTimeChoice: a name or a 1-based number).
 // Dates are "yyyy-mm-dd"; times "hh:mm" or "hh:mm:ss" (the hour may have
 // one digit); a combined value is "yyyy-mm-dd hh:mm[:ss]" or
 // "yyyy-mm-ddThh:mm[:ss]". They become variables 1 (date text) and 2 (time
@@ -98,6 +98,26 @@ struct DateTimeColumns {
   bool operator==(const DateTimeColumns&) const = default;
 };
 
+// The columns the user chose for the date and time: by name (trimmed,
+// without regard to case) or by 1-based number; `combined` alone, or
+// `date` and `time` together.
+struct DateTimeChoice {
+  std::string date;
+  std::string time;
+  std::string combined;
+  bool Empty() const {
+    return date.empty() && time.empty() && combined.empty();
+  }
+};
+
+// The chosen columns of `header`; Error::MalformedLine naming the file and
+// the header's line for a column the header does not have, or the same
+// column for the date and the time.
+DateTimeColumns ChosenDateTimeColumns(const std::vector<std::string>& header,
+                                      const DateTimeChoice& choice,
+                                      std::string_view file_name,
+                                      int64_t header_line);
+
 // Finds the date and time columns by the rules above from the header and
 // the first record (null when the file has no records).
 std::optional<DateTimeColumns> FindDateTimeColumns(
@@ -137,7 +157,8 @@ class CsvTextSource : public CsvRecordSource {
 // them, so `source` must outlive the application.
 NewApplication ApplicationFromCsv(CsvRecordSource& source,
                                   std::string_view file_name,
-                                  std::string_view title);
+                                  std::string_view title,
+                                  const DateTimeChoice& choice);
 
 // The same from records in memory, with every record in `records`.
 NewApplication ApplicationFromCsv(const std::vector<CsvRecord>& records,

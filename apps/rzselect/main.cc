@@ -88,6 +88,18 @@ void AddImport(CLI::App& app, rz::ImportOptions& options) {
                      "Title (default: the CSV file's name)");
   import->add_flag("--force", options.force,
                    "Replace an application already at --to");
+  CLI::Option* date =
+      import->add_option("--date-column", options.date_column,
+                         "The column of the dates (name or number)");
+  CLI::Option* time =
+      import->add_option("--time-column", options.time_column,
+                         "The column of the times (name or number)");
+  CLI::Option* combined = import->add_option(
+      "--datetime-column", options.datetime_column,
+      "The column of the dates and times together (name or number)");
+  date->needs(time);
+  time->needs(date);
+  combined->excludes(date)->excludes(time);
 }
 
 // --hook-timeout SECONDS on a command that loads scripts.

@@ -130,10 +130,18 @@ TEST(CsvImportTest, FindsDateAndTimeColumns) {
        {"when", "v"},
        {"2024-01-01T10:00:00", "1"},
        DateTimeColumns{-1, -1, 0}},
-      {"content elsewhere is not looked for",
+      {"a date and a time anywhere by content",
        {"v", "d", "t"},
        {"1", "2024-01-01", "10:00"},
-       std::nullopt},
+       DateTimeColumns{1, 2, -1}},
+      {"the time before the date",
+       {"t", "id", "d"},
+       {"10:00:05", "7", "2024-01-01"},
+       DateTimeColumns{2, 0, -1}},
+      {"a leading id before a combined value",
+       {"id", "when", "v"},
+       {"17", "2024-01-01 00:00:30", "1.5"},
+       DateTimeColumns{-1, -1, 1}},
       {"date without time", {"Date", "v"}, {"2024-01-01", "1"}, std::nullopt},
       {"no record, no names", {"a", "b"}, {}, std::nullopt},
   };
@@ -143,6 +151,37 @@ TEST(CsvImportTest, FindsDateAndTimeColumns) {
         FindDateTimeColumns(row.header, row.first.empty() ? nullptr : &first),
         row.expected)
         << row.name;
+  }
+}
+
+TEST(CsvImportTest, ChosenDateAndTimeColumns) {
+  const std::vector<std::string> header = {"id", " Day ", "Clock", "v"};
+  struct Case {
+    DateTimeChoice choice;
+    std::optional<DateTimeColumns> expected;  // nullopt: error 5
+    const char* message;
+  } cases[] = {
+      {{"day", "CLOCK", ""}, DateTimeColumns{1, 2, -1}, ""},
+      {{"2", "3", ""}, DateTimeColumns{1, 2, -1}, ""},
+      {{"", "", "v"}, DateTimeColumns{-1, -1, 3}, ""},
+      {{"", "", "4"}, DateTimeColumns{-1, -1, 3}, ""},
+      {{"Day", "Hour", ""}, std::nullopt,
+       "in.csv:1: --time-column 'Hour': no column of that name or number"},
+      {{"", "", "5"}, std::nullopt,
+       "in.csv:1: --datetime-column '5': no column of that name or number"},
+      {{"Day", "2", ""}, std::nullopt,
+       "in.csv:1: the date and the time must be two columns"},
+  };
+  for (const Case& c : cases) {
+    try {
+      EXPECT_EQ(ChosenDateTimeColumns(header, c.choice, "in.csv", 1),
+                c.expected)
+          << c.message;
+    } catch (const Error& error) {
+      EXPECT_FALSE(c.expected) << error.Description();
+      EXPECT_EQ(error.Number(), 5);
+      EXPECT_EQ(error.Description(), c.message);
+    }
   }
 }
 

@@ -144,6 +144,49 @@ TEST_F(CliImportTest, MissingFileAndUsage) {
   EXPECT_EQ(RunRzselect({"import"}).status, 2);
 }
 
+TEST_F(CliImportTest, DateAndTimeColumnsAnywhereOrChosen) {
+  struct Case {
+    const char* csv;
+    std::vector<std::string> options;
+    int status;
+    const char* first_time;  // variable 2 of record 1 when imported
+  } cases[] = {
+      {"id,when,v\n1,2024-01-01 00:00:30,2.5\n2,2024-01-01T00:01:00,3\n",
+       {}, 0, "00:00:30"},
+      {"id,v,d,t\n1,2.5,2024-01-01,7:05\n", {}, 0, "07:05:00"},
+      {"id,start,stop\n1,2024-01-01 06:00,2024-01-01 07:00\n",
+       {"--datetime-column", "stop"}, 0, "07:00:00"},
+      {"a,b,c\n1,2024-01-01,06:00\n",
+       {"--date-column", "2", "--time-column", "C"}, 0, "06:00:00"},
+      {"a,b,c\n1,2024-01-01,06:00\n", {"--date-column", "b"}, 2, ""},
+      {"a,b,c\n1,2024-01-01,06:00\n",
+       {"--datetime-column", "b", "--date-column", "b", "--time-column", "c"},
+       2, ""},
+      {"a,b,c\n1,2024-01-01,06:00\n",
+       {"--date-column", "b", "--time-column", "x"}, 1, ""},
+  };
+  int n = 0;
+  for (const Case& c : cases) {
+    const std::string csv = folder_.File("in" + std::to_string(n) + ".csv");
+    const std::string app = folder_.File("app" + std::to_string(n++) + ".rzt");
+    WriteFile(csv, c.csv);
+    std::vector<std::string> args = {"import", csv, "--to", app};
+    args.insert(args.end(), c.options.begin(), c.options.end());
+    const CliResult run = RunRzselect(args);
+    EXPECT_EQ(run.status, c.status) << c.csv << run.err;
+    if (c.status != 0) {
+      EXPECT_FALSE(std::filesystem::exists(app)) << c.csv;
+      continue;
+    }
+    ApplicationFile file;
+    file.SetOpenMode(kOpenExisting);
+    file.OpenApplication(app);
+    file.MoveFirst();
+    ASSERT_TRUE(file.ReadNext()) << c.csv;
+    EXPECT_EQ(file.Value(2), Variant(c.first_time)) << c.csv;
+  }
+}
+
 TEST_F(CliImportTest, AHugeFileIsReadAsItGoesAndItsFirstFieldRefused) {
   // A CSV file of a terabyte that takes no disk (sparse): reading it whole
   // could never get the memory; read as it goes, its first field (a run of
