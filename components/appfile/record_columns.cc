@@ -190,6 +190,16 @@ int32_t RecordColumn::FoldedCodeOf(std::string_view text) const {
 }
 
 void RecordColumn::Append(const RecordColumn& other, size_t other_count) {
+  if (other_count == 0) return;
+  // One copy of what is held (or borrowed) into room for all of it.
+  const size_t count = nulls_.Size() + other_count;
+  nulls_.Reserve(count);
+  if (numeric_) {
+    numbers_.reserve(count);
+  } else {
+    ends_.reserve(count);
+    arena_.reserve(arena_.size() + other.ends_[other_count - 1]);
+  }
   for (size_t i = 0; i < other_count; ++i) {
     if (other.IsNull(i)) {
       AppendNull();

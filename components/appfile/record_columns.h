@@ -25,6 +25,7 @@
 #ifndef RZ_APPFILE_RECORD_COLUMNS_H_
 #define RZ_APPFILE_RECORD_COLUMNS_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -82,18 +83,24 @@ class ColumnBuffer {
     Hold();
     return held_.back();
   }
+  // Room for `count` values; borrowed values are copied once, into that
+  // room.
   void reserve(size_t count) {
-    Hold();
-    held_.reserve(count);
+    if (keep_) {
+      std::vector<T> held;
+      held.reserve(std::max(count, size_));
+      held.assign(data_, data_ + size_);
+      held_ = std::move(held);
+      keep_.reset();
+    } else {
+      held_.reserve(count);
+    }
     Repoint();
   }
 
  private:
   void Hold() {
-    if (!keep_) return;
-    held_.assign(data_, data_ + size_);
-    keep_.reset();
-    Repoint();
+    if (keep_) reserve(size_ + size_ / 8 + 64);
   }
   void Repoint() {
     data_ = held_.data();
