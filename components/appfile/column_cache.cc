@@ -78,6 +78,22 @@ FileIdentity GetIdentity(const uint64_t* words) {
   return identity;
 }
 
+// Maps the pages of [data, data + bytes) in one call instead of a fault
+// per page as they are first read (a hint: older kernels refuse it).
+void PrefaultPages(const char* data, size_t bytes) {
+#ifdef MADV_POPULATE_READ
+  static const uintptr_t kPage = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
+  const uintptr_t begin = reinterpret_cast<uintptr_t>(data) / kPage * kPage;
+  const uintptr_t end = reinterpret_cast<uintptr_t>(data) + bytes;
+  if (end > begin) {
+    madvise(reinterpret_cast<void*>(begin), end - begin, MADV_POPULATE_READ);
+  }
+#else
+  (void)data;
+  (void)bytes;
+#endif
+}
+
 // What one section of a new cache holds.
 struct Piece {
   const void* data;
@@ -272,6 +288,7 @@ bool ColumnCache::ReadHeader() {
 
 const char* ColumnCache::SectionData(const Section& section) const {
   const char* data = static_cast<const char*>(mapping_.get()) + section.offset;
+  PrefaultPages(data, section.bytes);
   return CacheChecksum(data, section.bytes) == section.checksum ? data
                                                                 : nullptr;
 }

@@ -3,11 +3,13 @@
 #include "appfile/record_columns.h"
 
 #include <sqlite3.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <new>
 
 #include "appfile/sqlite_util.h"
 #include "core/date_time.h"
@@ -101,6 +103,36 @@ double RecordDateTime(std::string_view date, std::string_view time) {
     return DayNumber(TrimSpaces(date)) + TimeOfDay(TrimSpaces(time));
   } catch (const Error&) {
     return kNoDateTime;
+  }
+}
+
+// --- Column memory ---
+
+namespace {
+
+constexpr size_t kMappedBlock = size_t{4} << 20;
+constexpr size_t kHugePage = size_t{2} << 20;
+
+size_t MappedSize(size_t bytes) {
+  return (bytes + kHugePage - 1) / kHugePage * kHugePage;
+}
+
+}  // namespace
+
+void* AllocateColumnMemory(size_t bytes) {
+  if (bytes < kMappedBlock) return ::operator new(bytes);
+  void* memory = mmap(nullptr, MappedSize(bytes), PROT_READ | PROT_WRITE,
+                      MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (memory == MAP_FAILED) throw std::bad_alloc();
+  madvise(memory, MappedSize(bytes), MADV_HUGEPAGE);  // a hint
+  return memory;
+}
+
+void FreeColumnMemory(void* memory, size_t bytes) {
+  if (bytes < kMappedBlock) {
+    ::operator delete(memory);
+  } else {
+    munmap(memory, MappedSize(bytes));
   }
 }
 

@@ -39,6 +39,28 @@ namespace rz {
 
 class SqliteStatement;
 
+// The memory of a column's values: large blocks (4 MiB and more) come
+// straight from the kernel, zeroed, in huge pages where the system offers
+// them, so that filling a column of millions of records does not take a
+// page fault every 4 KiB; smaller ones from the heap.
+void* AllocateColumnMemory(size_t bytes);
+void FreeColumnMemory(void* memory, size_t bytes);
+
+template <typename T>
+struct ColumnAllocator {
+  using value_type = T;
+  ColumnAllocator() = default;
+  template <typename U>
+  ColumnAllocator(const ColumnAllocator<U>&) {}  // NOLINT: rebinding
+  T* allocate(size_t count) {
+    return static_cast<T*>(AllocateColumnMemory(count * sizeof(T)));
+  }
+  void deallocate(T* values, size_t count) {
+    FreeColumnMemory(values, count * sizeof(T));
+  }
+  bool operator==(const ColumnAllocator&) const = default;
+};
+
 // Values of one kind, one or more per record: held in a vector, or
 // borrowed from memory another object keeps alive (the column cache's
 // mapping of its file) until the first change copies them. Copies share
@@ -47,8 +69,10 @@ template <typename T>
 class ColumnBuffer {
  public:
   ColumnBuffer() = default;
-  explicit ColumnBuffer(std::vector<T> values)
-      : held_(std::move(values)), data_(held_.data()), size_(held_.size()) {}
+  explicit ColumnBuffer(const std::vector<T>& values)
+      : held_(values.begin(), values.end()),
+        data_(held_.data()),
+        size_(held_.size()) {}
   ColumnBuffer(const T* data, size_t size, std::shared_ptr<const void> keep)
       : data_(data), size_(size), keep_(std::move(keep)) {}
   ColumnBuffer(const ColumnBuffer& other)
@@ -87,7 +111,7 @@ class ColumnBuffer {
   // room.
   void reserve(size_t count) {
     if (keep_) {
-      std::vector<T> held;
+      std::vector<T, ColumnAllocator<T>> held;
       held.reserve(std::max(count, size_));
       held.assign(data_, data_ + size_);
       held_ = std::move(held);
@@ -107,7 +131,7 @@ class ColumnBuffer {
     size_ = held_.size();
   }
 
-  std::vector<T> held_;
+  std::vector<T, ColumnAllocator<T>> held_;
   const T* data_ = nullptr;
   size_t size_ = 0;
   std::shared_ptr<const void> keep_;  // set while borrowing
