@@ -506,10 +506,7 @@ std::vector<int32_t> ApplicationFile::SelectRecords() const {
     return selected;
   }
   EnsureFilter();
-  selected.reserve(static_cast<size_t>(count));
-  for (int32_t record = 1; record <= count; ++record) {
-    if (filter_->Matches(*store_, record)) selected.push_back(record - 1);
-  }
+  filter_->Select(*store_, &selected);
   return selected;
 }
 

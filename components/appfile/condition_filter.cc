@@ -246,7 +246,115 @@ class CompiledFilter : public ConditionFilter {
     return tree_.root < 0 || MatchesNode(tree_.root, store, record);
   }
 
+  void Select(const DataStore& store,
+              std::vector<int32_t>* selected) const override {
+    selected->clear();
+    int32_t begin = 1;
+    int32_t end = store.RecordCount() + 1;
+    std::vector<int32_t> rest;  // nodes still to test, joined with And
+    if (tree_.root >= 0) {
+      for (int32_t part : AndParts(tree_.root)) {
+        if (!store.InTimeOrder() || !NarrowByTime(part, store, &begin, &end)) {
+          rest.push_back(part);
+        }
+      }
+    }
+    if (begin >= end) return;
+    selected->reserve(static_cast<size_t>(end - begin));
+    for (int32_t record = begin; record < end; ++record) {
+      bool passes = true;
+      for (int32_t part : rest) {
+        if (!MatchesNode(part, store, record)) {
+          passes = false;
+          break;
+        }
+      }
+      if (passes) selected->push_back(record - 1);
+    }
+  }
+
  private:
+  const FilterNode& Node(int32_t index) const {
+    return tree_.nodes[static_cast<size_t>(index)];
+  }
+  int32_t Child(const FilterNode& node, int32_t i) const {
+    return tree_.children[static_cast<size_t>(node.first_child + i)];
+  }
+
+  // The parts a node joins with And: its children, or the node itself.
+  std::vector<int32_t> AndParts(int32_t index) const {
+    const FilterNode& node = Node(index);
+    if (node.kind != FilterNode::Kind::kAnd) return {index};
+    std::vector<int32_t> parts;
+    for (int32_t i = 0; i < node.child_count; ++i) {
+      parts.push_back(Child(node, i));
+    }
+    return parts;
+  }
+
+  // A leaf that bounds the record's date-time by a literal.
+  const Leaf* TimeBound(int32_t index) const {
+    const FilterNode& node = Node(index);
+    if (node.kind != FilterNode::Kind::kLeaf) return nullptr;
+    const Leaf& leaf = leaves_[static_cast<size_t>(node.condition)];
+    const bool bound =
+        leaf.op == Operator::kGreater || leaf.op == Operator::kGreaterEqual ||
+        leaf.op == Operator::kLess || leaf.op == Operator::kLessEqual;
+    return leaf.subject == Subject::kDateTime && bound && !leaf.literal_is_null
+               ? &leaf
+               : nullptr;
+  }
+
+  // When `index` is a time bound, or an And of time bounds only, narrows
+  // the records [begin, end) (1-based, in time order) to those it passes
+  // and returns true.
+  bool NarrowByTime(int32_t index, const DataStore& store, int32_t* begin,
+                    int32_t* end) const {
+    std::vector<const Leaf*> bounds;
+    for (int32_t part : AndParts(index)) {
+      const Leaf* bound = TimeBound(part);
+      if (bound == nullptr) return false;
+      bounds.push_back(bound);
+    }
+    for (const Leaf* bound : bounds) {
+      // The first record past which the bound no longer holds (upper
+      // bounds) or from which it holds (lower bounds).
+      const double literal = bound->number;
+      auto first_where = [&](auto holds) {
+        int32_t low = 1;
+        int32_t high = store.RecordCount() + 1;
+        while (low < high) {
+          const int32_t middle = low + (high - low) / 2;
+          if (holds(store.DateTime(middle))) {
+            high = middle;
+          } else {
+            low = middle + 1;
+          }
+        }
+        return low;
+      };
+      switch (bound->op) {
+        case Operator::kGreaterEqual:
+          *begin = std::max(*begin,
+                            first_where([&](double t) { return t >= literal; }));
+          break;
+        case Operator::kGreater:
+          *begin = std::max(*begin,
+                            first_where([&](double t) { return t > literal; }));
+          break;
+        case Operator::kLessEqual:
+          *end = std::min(*end,
+                          first_where([&](double t) { return t > literal; }));
+          break;
+        default:  // kLess
+          *end = std::min(*end,
+                          first_where([&](double t) { return t >= literal; }));
+          break;
+      }
+    }
+    return true;
+  }
+
   bool MatchesNode(int32_t index, const DataStore& store,
                    int32_t record) const {
     const FilterNode& node = tree_.nodes[static_cast<size_t>(index)];

@@ -46,6 +46,14 @@ class ConditionFilter {
 
   // True when record `record` (1-based) of `store` passes.
   virtual bool Matches(const DataStore& store, int32_t record) const = 0;
+
+  // Every record of `store` that passes, as 0-based indexes in record
+  // order, into `selected` (replaced). The same records as Matches; when
+  // the store is in time order, conditions that bound the date-time and
+  // are joined with And to the rest (the run's date range) are answered
+  // by binary search instead of a test of every record.
+  virtual void Select(const DataStore& store,
+                      std::vector<int32_t>* selected) const = 0;
 };
 
 // The first and the last record whose date-time lies in [begin, end]
