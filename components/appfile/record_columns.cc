@@ -209,6 +209,7 @@ const std::vector<int32_t>& RecordColumn::FoldedCodes() const {
       const std::string folded = UpperCase(TrimSpaces(stored));
       const auto [id, added] = folded_ids_.emplace(
           folded, static_cast<int32_t>(folded_ids_.size()));
+      if (added) folded_texts_.push_back(folded);
       found = stored_ids_.emplace(std::string(stored), id->second).first;
     }
     folded_codes_.push_back(found->second);

@@ -218,6 +218,11 @@ class RecordColumn {
   // The number of `text` (already trimmed) among FoldedCodes(); -1 when no
   // record holds it. REQUIRES: FoldedCodes() called since the last append.
   int32_t FoldedCodeOf(std::string_view text) const;
+  // The folded (trimmed, upper-cased) text of each code, by code.
+  // REQUIRES: FoldedCodes() called since the last append.
+  const std::vector<std::string>& FoldedTexts() const {
+    return folded_texts_;
+  }
 
   // Appends the records of `other`, a column of the same kind.
   void Append(const RecordColumn& other, size_t other_count);
@@ -242,6 +247,7 @@ class RecordColumn {
   using CodeMap =
       std::unordered_map<std::string, int32_t, TextHash, std::equal_to<>>;
   mutable std::vector<int32_t> folded_codes_;
+  mutable std::vector<std::string> folded_texts_;
   mutable CodeMap folded_ids_;
   mutable CodeMap stored_ids_;
 };

@@ -118,51 +118,35 @@ void GroupByValue(const RecordColumns& columns, int variable,
     return;
   }
 
-  // Texts: give every distinct trimmed spelling an id, rank the spellings
-  // without regard to case (equal ones share a rank; blank is rank 0, the
-  // no-value group), then a stable counting sort by rank.
-  std::unordered_map<std::string_view, int32_t> ids;
-  std::vector<std::string_view> spellings;
-  std::vector<int32_t> record_ids;
-  record_ids.reserve(order.size());
-  for (int32_t record : order) {
-    std::string_view text = column.IsNull(record)
-                                ? std::string_view()
-                                : TrimSpaces(column.Text(record));
-    if (text.empty()) {
-      record_ids.push_back(-1);
-      continue;
-    }
-    auto [it, added] =
-        ids.try_emplace(text, static_cast<int32_t>(spellings.size()));
-    if (added) spellings.push_back(text);
-    record_ids.push_back(it->second);
+  // Texts: the column's folded codes (equal for texts equal trimmed and
+  // without regard to case, blank and no value sharing one) ranked by
+  // their text without regard to case (blank is rank 0, the no-value
+  // group), then a stable counting sort by rank.
+  const std::vector<int32_t>& codes = column.FoldedCodes();
+  const std::vector<std::string>& texts = column.FoldedTexts();
+  const int32_t blank = column.FoldedCodeOf("");
+  std::vector<int32_t> by_text;
+  for (int32_t code = 0; code < static_cast<int32_t>(texts.size()); ++code) {
+    if (code != blank) by_text.push_back(code);
   }
-  std::vector<int32_t> by_text(spellings.size());
-  for (size_t i = 0; i < by_text.size(); ++i)
-    by_text[i] = static_cast<int32_t>(i);
   std::stable_sort(by_text.begin(), by_text.end(), [&](int32_t a, int32_t b) {
-    return CompareIgnoreCase(spellings[a], spellings[b]) < 0;
+    return CompareIgnoreCase(texts[a], texts[b]) < 0;
   });
-  std::vector<int32_t> rank_of_id(spellings.size());
-  int32_t rank = 0;
+  std::vector<int32_t> rank_of_code(texts.size(), 0);
   for (size_t i = 0; i < by_text.size(); ++i) {
-    if (i > 0 && CompareIgnoreCase(spellings[by_text[i - 1]],
-                                   spellings[by_text[i]]) != 0) {
-      ++rank;
-    }
-    rank_of_id[by_text[i]] = rank + 1;  // 0 is the no-value group
+    rank_of_code[static_cast<size_t>(by_text[i])] = static_cast<int32_t>(i) + 1;
   }
-  const size_t rank_count =
-      spellings.empty() ? 1 : static_cast<size_t>(rank) + 2;
+  const size_t rank_count = by_text.size() + 1;
+  auto rank_of = [&](int32_t record) {
+    return static_cast<size_t>(
+        rank_of_code[static_cast<size_t>(codes[static_cast<size_t>(record)])]);
+  };
   std::vector<int32_t> starts(rank_count + 1, 0);
-  for (int32_t id : record_ids) ++starts[(id < 0 ? 0 : rank_of_id[id]) + 1];
+  for (int32_t record : pass.selected) ++starts[rank_of(record) + 1];
   for (size_t r = 1; r <= rank_count; ++r) starts[r] += starts[r - 1];
   std::vector<int32_t> fill(starts.begin(), starts.end() - 1);
-  for (size_t i = 0; i < order.size(); ++i) {
-    const int32_t id = record_ids[i];
-    const size_t r = id < 0 ? 0 : static_cast<size_t>(rank_of_id[id]);
-    order[static_cast<size_t>(fill[r]++)] = pass.selected[i];
+  for (int32_t record : pass.selected) {
+    order[static_cast<size_t>(fill[rank_of(record)]++)] = record;
   }
   for (size_t r = 0; r < rank_count; ++r) {
     if (starts[r] < starts[r + 1]) AddGroup(pass, starts[r], starts[r + 1], 0);
