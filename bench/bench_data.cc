@@ -47,16 +47,19 @@ std::vector<Variant> Record(int index, std::mt19937_64& random) {
   return values;
 }
 
-std::string DataFile() {
+std::string DataFile(int records) {
   const fs::path folder = RZ_BENCH_DATA_DIR;
-  const fs::path path = folder / "load1m.rzd";
+  const std::string name = records == kRecords
+                               ? "load1m.rzd"
+                               : "load" + std::to_string(records) + ".rzd";
+  const fs::path path = folder / name;
   if (fs::exists(path)) return path.string();
   fs::create_directories(folder);
-  const fs::path partial = folder / "load1m.rzd.partial";
+  const fs::path partial = folder / (name + ".partial");
   fs::remove(partial);
   std::mt19937_64 random(42);
   auto writer = DataWriter::Create(partial.string(), Numeric());
-  for (int i = 0; i < kRecords; ++i) writer->Append(Record(i, random));
+  for (int i = 0; i < records; ++i) writer->Append(Record(i, random));
   writer->Commit();
   fs::rename(partial, path);
   return path.string();

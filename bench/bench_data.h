@@ -29,8 +29,10 @@ std::vector<bool> Numeric();
 // The values of record `index` (0-based), drawing from `random`.
 std::vector<Variant> Record(int index, std::mt19937_64& random);
 
-// The path of the cached data file, made when missing.
-std::string DataFile();
+// The path of the cached data file, made when missing: of kRecords
+// records (load1m.rzd), or of `records` records (load<records>.rzd), the
+// first records of every size being the same.
+std::string DataFile(int records = kRecords);
 
 }  // namespace rz::bench
 

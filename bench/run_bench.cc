@@ -21,6 +21,9 @@
 // The application is made once under the build folder (bench-data/run/,
 // its data file a link to bench-data/load1m.rzd); delete it to make it
 // again. Arguments are ignored (scripts/bench passes benchmark options).
+// RZ_RUN_BENCH_SCALES=100000,10000000 adds the cold runs at those sizes
+// (their data made once as bench-data/load<N>.rzd), each with its time per
+// record, to show how the cost grows.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -30,6 +33,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -124,13 +128,17 @@ void DailyStart(RZselect& engine) {
   AddColumn(engine, 0, 2, 0, "Time");
 }
 
-// The application around the shared data file, with its three views.
-std::string Application(const std::shared_ptr<Platform>& shared) {
+// The application around the shared data file of `records` records, with
+// its three views (bench-data/run/ for 1,000,000, run<records>/ else).
+std::string Application(const std::shared_ptr<Platform>& shared,
+                        int records) {
   Platform& platform = *shared;
-  const fs::path folder = fs::path(RZ_BENCH_DATA_DIR) / "run";
+  const fs::path folder =
+      fs::path(RZ_BENCH_DATA_DIR) /
+      (records == kRecords ? "run" : "run" + std::to_string(records));
   const fs::path app = folder / "run1m.rzt";
   if (fs::exists(app)) return app.string();
-  const std::string data = DataFile();
+  const std::string data = DataFile(records);
   fs::remove_all(folder);
   fs::create_directories(folder);
   {
@@ -272,10 +280,57 @@ bool AppendRecords(const std::string& data, int day) {
   return TimedRun({"sqlite3", "-bail", data, sql}) >= 0;
 }
 
+// The cold runs (and, at 1,000,000 records, the warm runs) of an
+// application of `records` records, with the time per record.
+int RunScale(const std::shared_ptr<Platform>& platform, int records) {
+  const std::string app = Application(platform, records);
+  const std::string data = (fs::path(app).parent_path() / "run1m.rzd").string();
+  const std::string out = (fs::path(app).parent_path() / "out").string();
+  std::printf("%-40s %10s %10s %8s %18s\n", "cold runs, other sizes",
+              "rzselect", "sqlite3", "ratio", "rzselect/record");
+  int failures = 0;
+  for (const Shape& shape : Shapes()) {
+    const double rz = Best({RZSELECT_PATH, "run", app, "--view", shape.view,
+                            "--format", "csv", "-o", out + "_rz.csv",
+                            "--quiet"});
+    const double sql =
+        Best({"sqlite3", "-bail", "-cmd", ".headers on", "-cmd", ".mode csv",
+              "-cmd", ".output " + out + "_sql.csv", data, shape.sql});
+    if (rz < 0 || sql < 0) {
+      std::printf("%-40s failed\n", shape.name);
+      ++failures;
+      continue;
+    }
+    char label[64];
+    std::snprintf(label, sizeof label, "%s at %d records", shape.view, records);
+    std::printf("%-40s %9.3fs %9.3fs %8.2f %14.3f us\n", label, rz, sql,
+                rz / sql, rz / records * 1e6);
+  }
+  return failures;
+}
+
+// Other sizes: RZ_RUN_BENCH_SCALES=100000,10000000 (the 1,000,000-record
+// runs always run first).
+std::vector<int> OtherScales() {
+  std::vector<int> scales;
+  const char* text = std::getenv("RZ_RUN_BENCH_SCALES");
+  if (text == nullptr) return scales;
+  std::string list = text;
+  size_t begin = 0;
+  while (begin < list.size()) {
+    size_t end = list.find(',', begin);
+    if (end == std::string::npos) end = list.size();
+    const int value = std::atoi(list.substr(begin, end - begin).c_str());
+    if (value > 0 && value != kRecords) scales.push_back(value);
+    begin = end + 1;
+  }
+  return scales;
+}
+
 int Main() {
   HeadlessToolkit toolkit;
   auto platform = std::make_shared<SystemPlatform>(toolkit);
-  const std::string app = Application(platform);
+  const std::string app = Application(platform, kRecords);
   const std::string data = (fs::path(app).parent_path() / "run1m.rzd").string();
   const std::string out = (fs::path(app).parent_path() / "out").string();
   std::printf("%-40s %10s %10s %8s %18s\n", "case (1,000,000 records)",
@@ -296,8 +351,9 @@ int Main() {
       ++failures;
       continue;
     }
-    std::printf("%-40s %9.3fs %9.3fs %8.2f %8ld/%-8ld\n", shape.name, rz, sql,
-                rz / sql, Lines(rz_out), Lines(sql_out));
+    std::printf("%-40s %9.3fs %9.3fs %8.2f %8ld/%-8ld %.3f us/record\n",
+                shape.name, rz, sql, rz / sql, Lines(rz_out), Lines(sql_out),
+                rz / kRecords * 1e6);
     cold.push_back(rz);
     if (shape.view != std::string("T1")) {
       const auto [first, second] = WarmRefreshes(platform, app, shape.view);
@@ -343,6 +399,7 @@ int Main() {
     }
     ++index;
   }
+  for (int records : OtherScales()) failures += RunScale(platform, records);
   return failures == 0 ? 0 : 1;
 }
 
