@@ -291,5 +291,38 @@ TEST(CsvImportTest, ReportsTheFirstBadRecordWithItsLine) {
   }
 }
 
+// Whether a file is UTF-8 is settled by all of it: one byte that is not
+// UTF-8, however late, makes every text of the file Windows-1252 (the
+// header's names too), and text lengths count its bytes as characters.
+TEST(CsvImportTest, ALateWindows1252ByteDecidesForTheWholeFile) {
+  struct Case {
+    std::string csv;
+    const char* operator_name;  // variable 3's name
+    int16_t length;             // its length
+    const char* first;          // its value in the first record
+  } cases[] = {
+      {"Date,Time,Op\xC3\xA9\n2024-01-01,06:00,Ren\xC3\xA9\n"
+       "2024-01-01,07:00,Ana\n",
+       "Op\u00E9", 4, "Ren\u00E9"},
+      {"Date,Time,Op\xC3\xA9\n2024-01-01,06:00,Ren\xC3\xA9\n"
+       "2024-01-01,07:00,Ana\xB0\n",
+       "Op\u00C3\u00A9", 5, "Ren\u00C3\u00A9"},
+  };
+  for (const Case& c : cases) {
+    CsvTextSource source(c.csv, "in.csv");
+    NewApplication app =
+        ApplicationFromCsv(source, "in.csv", "t", DateTimeChoice());
+    ASSERT_EQ(app.variables.size(), 3u);
+    EXPECT_EQ(app.variables[2]->Name(), c.operator_name);
+    EXPECT_EQ(app.variables[2]->Length(), c.length);
+    std::vector<Variant> record;
+    ASSERT_TRUE(app.record_source(&record));
+    EXPECT_EQ(record[2], Variant(c.first));
+    ASSERT_TRUE(app.record_source(&record));
+    EXPECT_FALSE(app.record_source(&record));
+    EXPECT_EQ(record[1], Variant("07:00:00"));  // left as the last
+  }
+}
+
 }  // namespace
 }  // namespace rz

@@ -69,6 +69,13 @@ TEST(CsvReaderTest, ReportsMalformedQuotesWithTheirLine) {
       {"unterminated over lines", "a\n\"x\ny\nz", "d.csv:2: "},
       {"text after closing quote", "a,b\n1,2\n\"x\"y,3\n", "d.csv:3: "},
       {"text after a multi-line field", "a\n\"x\ny\"z\n", "d.csv:3: "},
+      {"a field of more than 16 MiB", "a\nb\n" + std::string(16 << 20, 'x') + "y\n",
+       "d.csv:3: a field longer than 16 MiB"},
+      {"a quoted field of more than 16 MiB",
+       "a\n\"" + std::string((16 << 20) + 1, '\n') + "\"\n",
+       "d.csv:2: a field longer than 16 MiB"},
+      {"a record of more than 32,767 fields", "a\n" + std::string(32767, ','),
+       "d.csv:2: more than 32767 fields"},
   };
   for (const MalformedCase& row : cases) {
     try {
@@ -125,6 +132,27 @@ TEST(CsvReaderTest, Utf8Validity) {
   for (const Case& row : cases) {
     EXPECT_EQ(IsValidUtf8(row.bytes), row.valid)
         << testing::PrintToString(std::string(row.bytes));
+  }
+}
+
+// The parser gives the records one at a time, the same as ParseCsv
+// gives them all, whatever the text's line ends and quotes; a field of
+// exactly 16 MiB is still a field.
+TEST(CsvReaderTest, RecordsOneAtATimeAsAll) {
+  const std::string texts[] = {
+      "a,b\r\n1,\"x\r\ny\"\r\n\r\n2,3",
+      "a\n\n\n",
+      "\"q\"\"\",b\r3,4\r",
+      "a\n" + std::string(16 << 20, 'z') + "\n",
+  };
+  for (const std::string& text : texts) {
+    CsvParser parser(text, "d.csv");
+    std::vector<CsvRecord> records;
+    CsvRecord record;
+    while (parser.Next(&record)) records.push_back(record);
+    EXPECT_EQ(records, ParseCsv(text, "d.csv")) << text.substr(0, 20);
+    EXPECT_FALSE(parser.Next(&record));
+    EXPECT_EQ(parser.Position(), text.size());
   }
 }
 

@@ -1,6 +1,7 @@
 // Copyright 2026 The Veltmark authors.
 
 #include "platform/file_system.h"
+#include "platform/mapped_file.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -23,6 +24,8 @@
 #include "core/error.h"
 #include "platform/trace.h"
 #include "platform/trace_sink.h"
+#include "support/error_number.h"
+#include "support/temp_folder.h"
 
 namespace rz {
 namespace {
@@ -551,6 +554,27 @@ TEST(FileSystemPathTest, FindFileIgnoringExtensionCaseInWorkingFolder) {
             std::optional<std::string>("view.V7"));
   fs::current_path(previous);
   fs::remove_all(pattern);
+}
+
+// A mapped file gives the file's bytes, an empty file none; a missing file
+// or a file taken for a folder is the read error; pages handed back are read again
+// when touched.
+TEST(MappedFileTest, BytesErrorsAndPagesHandedBack) {
+  TempFolder folder;
+  const std::string path = folder.File("big.csv");
+  std::string bytes(3 << 20, 'a');
+  for (size_t i = 0; i < bytes.size(); i += 4097) bytes[i] = 'b';
+  WriteBinaryFileAtomically(path, bytes);
+  MappedFile file(path);
+  ASSERT_EQ(file.Bytes().size(), bytes.size());
+  file.ReleaseBefore(bytes.size() - 10);
+  EXPECT_EQ(file.Bytes(), bytes);
+  WriteBinaryFileAtomically(folder.File("empty"), "");
+  EXPECT_TRUE(MappedFile(folder.File("empty")).Bytes().empty());
+  EXPECT_EQ(ErrorNumber([&] { MappedFile(folder.File("missing")); }), 53);
+  EXPECT_EQ(ErrorNumber([&] { MappedFile(folder.File("empty/x")); }), 76);
+  EXPECT_EQ(ErrorNumber([&] { MappedFile(std::string_view("a\0b", 3)); }),
+            52);
 }
 
 }  // namespace

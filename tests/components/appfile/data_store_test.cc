@@ -9,6 +9,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -575,6 +576,37 @@ TEST(FoldedCodesTest, EqualCodesForTextsEqualTrimmedWithoutCase) {
   ASSERT_EQ(codes.size(), 10u);
   EXPECT_EQ(column.FoldedCodeOf("LINE 3"), codes[8]);
   EXPECT_EQ(codes[9], codes[2]);
+}
+
+// A column's values borrowed from memory another object keeps (the column
+// cache's mapping) stay readable while any copy lives, and a change to one
+// copy copies the values first: the memory and the other copies keep
+// theirs.
+TEST(ColumnBufferTest, BorrowedValuesAreCopiedOnChangeOnly) {
+  auto memory = std::make_shared<std::vector<double>>(
+      std::vector<double>{1.5, 2.5, 3.5});
+  const double* values = memory->data();
+  ColumnBuffer<double> borrowed(values, 3,
+                                std::shared_ptr<const void>(memory, values));
+  memory.reset();  // kept alive by the buffer
+  ColumnBuffer<double> copy = borrowed;
+  EXPECT_EQ(copy.data(), borrowed.data());  // shared, not copied
+  copy.push_back(4.5);
+  EXPECT_NE(copy.data(), borrowed.data());
+  ASSERT_EQ(copy.size(), 4u);
+  EXPECT_EQ(copy[0], 1.5);
+  EXPECT_EQ(copy[3], 4.5);
+  ASSERT_EQ(borrowed.size(), 3u);
+  EXPECT_EQ(borrowed[2], 3.5);
+  ColumnBuffer<double> held = copy;  // held values are copied
+  held.back() = 9;
+  EXPECT_EQ(copy[3], 4.5);
+  ColumnBuffer<double> moved = std::move(held);
+  EXPECT_EQ(moved[3], 9);
+  // Room for more copies the borrowed values once, keeping them.
+  borrowed.reserve(1000);
+  EXPECT_GE(borrowed.capacity(), 1000u);
+  EXPECT_EQ(borrowed[1], 2.5);
 }
 
 }  // namespace
