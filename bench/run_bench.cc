@@ -280,22 +280,36 @@ bool AppendRecords(const std::string& data, int day) {
   return TimedRun({"sqlite3", "-bail", data, sql}) >= 0;
 }
 
-// The cold runs (and, at 1,000,000 records, the warm runs) of an
-// application of `records` records, with the time per record.
+// The best cold run of a view of `app` by rzselect and of its query by the
+// sqlite3 command line, each writing its CSV beside the application
+// ("out_rz.csv", "out_sql.csv"); negative for a run that failed.
+struct ColdTimes {
+  double rz = -1;
+  double sql = -1;
+};
+
+ColdTimes ColdRuns(const std::string& app, const Shape& shape) {
+  const fs::path folder = fs::path(app).parent_path();
+  const std::string data = (folder / "run1m.rzd").string();
+  const std::string out = (folder / "out").string();
+  ColdTimes times;
+  times.rz = Best({RZSELECT_PATH, "run", app, "--view", shape.view, "--format",
+                   "csv", "-o", out + "_rz.csv", "--quiet"});
+  times.sql =
+      Best({"sqlite3", "-bail", "-cmd", ".headers on", "-cmd", ".mode csv",
+            "-cmd", ".output " + out + "_sql.csv", data, shape.sql});
+  return times;
+}
+
+// The cold runs of an application of `records` records, with the time per
+// record.
 int RunScale(const std::shared_ptr<Platform>& platform, int records) {
   const std::string app = Application(platform, records);
-  const std::string data = (fs::path(app).parent_path() / "run1m.rzd").string();
-  const std::string out = (fs::path(app).parent_path() / "out").string();
   std::printf("%-40s %10s %10s %8s %18s\n", "cold runs, other sizes",
               "rzselect", "sqlite3", "ratio", "rzselect/record");
   int failures = 0;
   for (const Shape& shape : Shapes()) {
-    const double rz = Best({RZSELECT_PATH, "run", app, "--view", shape.view,
-                            "--format", "csv", "-o", out + "_rz.csv",
-                            "--quiet"});
-    const double sql =
-        Best({"sqlite3", "-bail", "-cmd", ".headers on", "-cmd", ".mode csv",
-              "-cmd", ".output " + out + "_sql.csv", data, shape.sql});
+    const auto [rz, sql] = ColdRuns(app, shape);
     if (rz < 0 || sql < 0) {
       std::printf("%-40s failed\n", shape.name);
       ++failures;
@@ -331,7 +345,6 @@ int Main() {
   HeadlessToolkit toolkit;
   auto platform = std::make_shared<SystemPlatform>(toolkit);
   const std::string app = Application(platform, kRecords);
-  const std::string data = (fs::path(app).parent_path() / "run1m.rzd").string();
   const std::string out = (fs::path(app).parent_path() / "out").string();
   std::printf("%-40s %10s %10s %8s %18s\n", "case (1,000,000 records)",
               "rzselect", "sqlite3", "ratio", "lines rz/sqlite3");
@@ -340,11 +353,7 @@ int Main() {
   for (const Shape& shape : Shapes()) {
     const std::string rz_out = out + "_rz.csv";
     const std::string sql_out = out + "_sql.csv";
-    const double rz = Best({RZSELECT_PATH, "run", app, "--view", shape.view,
-                            "--format", "csv", "-o", rz_out, "--quiet"});
-    const double sql =
-        Best({"sqlite3", "-bail", "-cmd", ".headers on", "-cmd", ".mode csv",
-              "-cmd", ".output " + sql_out, data, shape.sql});
+    const auto [rz, sql] = ColdRuns(app, shape);
     if (rz < 0 || sql < 0) {
       std::printf("%-40s failed (rzselect %s, sqlite3 %s)\n", shape.name,
                   rz < 0 ? "failed" : "ok", sql < 0 ? "failed" : "ok");

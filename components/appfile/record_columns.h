@@ -69,10 +69,6 @@ template <typename T>
 class ColumnBuffer {
  public:
   ColumnBuffer() = default;
-  explicit ColumnBuffer(const std::vector<T>& values)
-      : held_(values.begin(), values.end()),
-        data_(held_.data()),
-        size_(held_.size()) {}
   ColumnBuffer(const T* data, size_t size, std::shared_ptr<const void> keep)
       : data_(data), size_(size), keep_(std::move(keep)) {}
   ColumnBuffer(const ColumnBuffer& other)
