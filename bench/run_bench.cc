@@ -24,6 +24,13 @@
 // RZ_RUN_BENCH_SCALES=100000,10000000 adds the cold runs at those sizes
 // (their data made once as bench-data/load<N>.rzd), each with its time per
 // record, to show how the cost grows.
+//
+// DuckDB, when scripts/bench installed the @duckdb/node-api package under
+// the build folder (duckdb/): the same records loaded once into DuckDB's
+// own file (bench-data/run/run1m.duckdb) and each query run by
+// duckdb_runs.mjs, cold (open, query, CSV written; node's own start not
+// counted) and warm (the query again on the open connection), each the
+// best of three, printed as rzselect/DuckDB.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -52,6 +59,9 @@
 
 #ifndef RZSELECT_PATH
 #error "RZSELECT_PATH must name the rzselect executable"
+#endif
+#ifndef RZ_BENCH_DUCKDB_DIR
+#error "RZ_BENCH_DUCKDB_DIR must name the folder DuckDB is installed in"
 #endif
 
 extern char** environ;
@@ -188,13 +198,14 @@ std::string Application(const std::shared_ptr<Platform>& shared,
   return app.string();
 }
 
-// Runs a program with its output to /dev/null; its wall time in seconds,
-// or a negative number when it failed.
-double TimedRun(const std::vector<std::string>& args) {
+// Runs a program with its standard output to `output`; its wall time in
+// seconds, or a negative number when it failed.
+double TimedRun(const std::vector<std::string>& args,
+                const std::string& output = "/dev/null") {
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null",
-                                   O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(),
+                                   O_WRONLY | O_CREAT | O_TRUNC, 0644);
   std::vector<char*> argv;
   for (const std::string& arg : args)
     argv.push_back(const_cast<char*>(arg.c_str()));
@@ -301,6 +312,65 @@ ColdTimes ColdRuns(const std::string& app, const Shape& shape) {
   return times;
 }
 
+// DuckDB's figures for one query: the best cold and warm runs in seconds,
+// negative when DuckDB is not installed or a run failed.
+struct DuckDbTimes {
+  double cold = -1;
+  double warm = -1;
+};
+
+const fs::path kDuckDbFolder = RZ_BENCH_DUCKDB_DIR;
+
+bool DuckDbInstalled() {
+  return fs::exists(kDuckDbFolder / "duckdb_runs.mjs") &&
+         fs::exists(kDuckDbFolder / "node_modules/@duckdb/node-api");
+}
+
+std::vector<std::string> DuckDbCommand(const std::string& verb) {
+  return {"node", (kDuckDbFolder / "duckdb_runs.mjs").string(), verb};
+}
+
+// DuckDB's own file holding the records of `data` (made once beside it,
+// through a CSV file the sqlite3 command line writes); empty on failure.
+std::string DuckDbFile(const std::string& data) {
+  const fs::path folder = fs::path(data).parent_path();
+  const fs::path file = folder / "run1m.duckdb";
+  if (fs::exists(file)) return file.string();
+  const std::string csv = (folder / "records.csv").string();
+  const bool made =
+      TimedRun({"sqlite3", "-bail", "-csv", "-header", data,
+                "SELECT * FROM records ORDER BY recno;"},
+               csv) >= 0;
+  std::vector<std::string> load = DuckDbCommand("load");
+  load.push_back(file.string() + ".tmp");
+  load.push_back(csv);
+  const bool loaded = made && TimedRun(load) >= 0;
+  fs::remove(csv);
+  if (!loaded) return "";
+  fs::rename(file.string() + ".tmp", file);
+  return file.string();
+}
+
+DuckDbTimes DuckDbRuns(const std::string& db, const std::string& sql,
+                       const std::string& out) {
+  const std::string report = out + ".times";
+  std::vector<std::string> run = DuckDbCommand("run");
+  run.insert(run.end(), {db, out, sql});
+  DuckDbTimes best;
+  for (int i = 0; i < kRepeats; ++i) {
+    DuckDbTimes times;
+    std::ifstream text;
+    if (TimedRun(run, report) >= 0) text.open(report);
+    std::string cold_word, warm_word;
+    if (!(text >> cold_word >> times.cold >> warm_word >> times.warm)) {
+      return {};
+    }
+    if (best.cold < 0 || times.cold < best.cold) best.cold = times.cold;
+    if (best.warm < 0 || times.warm < best.warm) best.warm = times.warm;
+  }
+  return best;
+}
+
 // The cold runs of an application of `records` records, with the time per
 // record.
 int RunScale(const std::shared_ptr<Platform>& platform, int records) {
@@ -349,6 +419,18 @@ int Main() {
   std::printf("%-40s %10s %10s %8s %18s\n", "case (1,000,000 records)",
               "rzselect", "sqlite3", "ratio", "lines rz/sqlite3");
   int failures = 0;
+  std::string duckdb;
+  if (DuckDbInstalled()) {
+    duckdb = DuckDbFile((fs::path(app).parent_path() / "run1m.rzd").string());
+    if (duckdb.empty()) {
+      std::printf("DuckDB: its file could not be made; no comparison\n");
+      ++failures;
+    }
+  } else {
+    std::printf("DuckDB: not installed under %s (scripts/bench installs "
+                "it); no comparison\n",
+                kDuckDbFolder.c_str());
+  }
   std::vector<double> cold;
   for (const Shape& shape : Shapes()) {
     const std::string rz_out = out + "_rz.csv";
@@ -364,6 +446,21 @@ int Main() {
                 shape.name, rz, sql, rz / sql, Lines(rz_out), Lines(sql_out),
                 rz / kRecords * 1e6);
     cold.push_back(rz);
+    DuckDbTimes duck;
+    if (!duckdb.empty()) {
+      const std::string duck_out = out + "_duckdb.csv";
+      duck = DuckDbRuns(duckdb, shape.sql, duck_out);
+      if (duck.cold < 0) {
+        std::printf("%-40s failed\n", "  DuckDB");
+        ++failures;
+      } else {
+        std::printf("%-40s %9.3fs %9.3fs %8.2f %8ld/%-8ld (rzselect / "
+                    "DuckDB cold)\n",
+                    ("  DuckDB " + std::string(shape.view)).c_str(), rz,
+                    duck.cold, rz / duck.cold, Lines(rz_out),
+                    Lines(duck_out));
+      }
+    }
     if (shape.view != std::string("T1")) {
       const auto [first, second] = WarmRefreshes(platform, app, shape.view);
       std::printf(
@@ -371,6 +468,13 @@ int Main() {
           "/ sqlite3: %.3f)\n",
           ("  warm " + std::string(shape.view)).c_str(), second, first,
           second / first, second / sql);
+      if (duck.warm > 0) {
+        std::printf("%-40s %9.3fs %9.3fs %8.2f  (rzselect / DuckDB, both "
+                    "warm)\n",
+                    ("  warm " + std::string(shape.view) + " vs DuckDB")
+                        .c_str(),
+                    second, duck.warm, second / duck.warm);
+      }
     }
   }
   // The first run after another program appended 1,000 records, as a
