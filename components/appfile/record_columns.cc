@@ -91,12 +91,6 @@ bool ReadNumericText(sqlite3_stmt* statement, int column, double* value) {
 
 }  // namespace
 
-std::string_view TrimSpaces(std::string_view text) {
-  const size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  const size_t last = text.find_last_not_of(' ');
-  return text.substr(first, last - first + 1);
-}
 
 double RecordDateTime(std::string_view date, std::string_view time) {
   try {

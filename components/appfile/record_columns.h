@@ -35,6 +35,8 @@
 #include <utility>
 #include <vector>
 
+#include "core/text.h"
+
 namespace rz {
 
 class SqliteStatement;
@@ -319,9 +321,6 @@ class RecordColumns {
 // forms "yyyy-mm-dd" and "hh:mm:ss" are read directly. NaN when the date
 // builds no date.
 double RecordDateTime(std::string_view date, std::string_view time);
-
-// Removes spaces at both ends without copying.
-std::string_view TrimSpaces(std::string_view text);
 
 }  // namespace rz
 

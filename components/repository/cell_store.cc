@@ -171,13 +171,13 @@ void CellStore::Set(int32_t record, int32_t field, const Variant& value) {
       PutNumber(cell, Tag::kDate, value.ToDate());
       return;
     case VariantType::kString: {
-      std::string text = value.ToString();
+      const std::string_view text = value.TextView();
       if (text.size() <= Cell::kInlineTextCapacity) {
         cell.tag = Tag::kShortText;
         cell.size = static_cast<uint8_t>(text.size());
         std::memcpy(cell.payload, text.data(), text.size());
       } else {
-        PutNumber(cell, Tag::kLongText, texts_.Add(std::move(text)));
+        PutNumber(cell, Tag::kLongText, texts_.Add(std::string(text)));
       }
       return;
     }

@@ -120,27 +120,38 @@ Json JsonValue(const Variant& value) {
   }
 }
 
-bool NeedsCsvQuotes(std::string_view text) {
-  return text.find_first_of(",\"\r\n") != std::string_view::npos;
+// True when `text` holds one of the characters of `set` (a plain loop: the
+// library's find_first_of calls memchr once per character of `text`).
+template <size_t N>
+bool HoldsAnyOf(std::string_view text, const char (&set)[N]) {
+  for (char c : text) {
+    for (size_t i = 0; i + 1 < N; ++i) {
+      if (c == set[i]) return true;
+    }
+  }
+  return false;
 }
 
-void PutCsvValue(std::string_view text, std::ostream& out) {
-  if (!NeedsCsvQuotes(text)) {
-    out << text;
+void PutCsvValue(std::string_view text, std::string& out) {
+  if (!HoldsAnyOf(text, ",\"\r\n")) {
+    out += text;
     return;
   }
-  out << '"';
+  out += '"';
   for (char c : text) {
-    if (c == '"') out << '"';
-    out << c;
+    if (c == '"') out += '"';
+    out += c;
   }
-  out << '"';
+  out += '"';
 }
 
-// Tab, line feed and CR as escapes; with `backslash`, "\" too.
-std::string Escaped(std::string_view text, bool backslash) {
-  std::string out;
-  out.reserve(text.size());
+// Tab, line feed and CR as escapes; with `backslash`, "\" too; appended to
+// `out`.
+void AppendEscaped(std::string_view text, bool backslash, std::string& out) {
+  if (!HoldsAnyOf(text, "\t\n\r\\")) {
+    out += text;
+    return;
+  }
   for (char c : text) {
     switch (c) {
       case '\t':
@@ -159,6 +170,12 @@ std::string Escaped(std::string_view text, bool backslash) {
         out += c;
     }
   }
+}
+
+std::string Escaped(std::string_view text, bool backslash) {
+  std::string out;
+  out.reserve(text.size());
+  AppendEscaped(text, backslash, out);
   return out;
 }
 
@@ -189,10 +206,6 @@ TableCell TableCellOf(const Variant& value, int32_t field,
       break;
   }
   return cell;
-}
-
-void PutTsvValue(std::string_view text, std::ostream& out) {
-  out << Escaped(text, true);
 }
 
 struct TableColumn {
@@ -249,6 +262,14 @@ RecordWriter::RecordWriter(TextFormat format, std::ostream& out,
         "a table needs every record before its first line; write it with "
         "WriteRecords");
   }
+  buffer_.reserve(kBufferBytes + kBufferBytes / 4);
+}
+
+RecordWriter::~RecordWriter() { Flush(); }
+
+void RecordWriter::Flush() {
+  out_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+  buffer_.clear();
 }
 
 void RecordWriter::Begin(Repository& repository) {
@@ -259,14 +280,14 @@ void RecordWriter::Begin(Repository& repository) {
     case TextFormat::kTsv: {
       RepositoryFieldList& fields = repository.Fields();
       for (int32_t f = 1; f <= field_count_; ++f) {
-        if (f > 1) out_ << Separator();
+        if (f > 1) buffer_ += Separator();
         PutValue(fields.Item(f)->Name());
       }
-      out_ << '\n';
+      buffer_ += '\n';
       break;
     }
     case TextFormat::kJson:
-      out_ << '[';
+      buffer_ += '[';
       [[fallthrough]];
     case TextFormat::kJsonLines:
       keys_ = JsonKeys(repository);
@@ -279,10 +300,16 @@ void RecordWriter::Begin(Repository& repository) {
 void RecordWriter::Write(Repository& repository, int32_t record) {
   if (format_ == TextFormat::kCsv || format_ == TextFormat::kTsv) {
     for (int32_t f = 1; f <= field_count_; ++f) {
-      if (f > 1) out_ << Separator();
-      PutValue(CellText(repository.Value(record, f), f, columns_));
+      if (f > 1) buffer_ += Separator();
+      const Variant value = repository.Value(record, f);
+      // A text is its own cell text: no copy.
+      if (value.IsString()) {
+        PutValue(value.TextView());
+      } else {
+        PutValue(CellText(value, f, columns_));
+      }
     }
-    out_ << '\n';
+    buffer_ += '\n';
   } else {
     Json object = Json::object();
     for (int32_t f = 1; f <= field_count_; ++f) {
@@ -292,18 +319,20 @@ void RecordWriter::Write(Repository& repository, int32_t record) {
           date_time ? Json(*date_time) : JsonValue(value);
     }
     if (format_ == TextFormat::kJson) {
-      out_ << (records_written_ == 0 ? "\n" : ",\n");
+      buffer_ += records_written_ == 0 ? "\n" : ",\n";
     }
-    out_ << object.dump(-1, ' ', false, Json::error_handler_t::replace);
-    if (format_ == TextFormat::kJsonLines) out_ << '\n';
+    buffer_ += object.dump(-1, ' ', false, Json::error_handler_t::replace);
+    if (format_ == TextFormat::kJsonLines) buffer_ += '\n';
   }
   ++records_written_;
+  if (buffer_.size() >= kBufferBytes) Flush();
 }
 
 void RecordWriter::End() {
   if (format_ == TextFormat::kJson) {
-    out_ << (records_written_ == 0 ? "]\n" : "\n]\n");
+    buffer_ += records_written_ == 0 ? "]\n" : "\n]\n";
   }
+  Flush();
 }
 
 char RecordWriter::Separator() const {
@@ -312,9 +341,9 @@ char RecordWriter::Separator() const {
 
 void RecordWriter::PutValue(std::string_view text) {
   if (format_ == TextFormat::kCsv) {
-    PutCsvValue(text, out_);
+    PutCsvValue(text, buffer_);
   } else {
-    PutTsvValue(text, out_);
+    AppendEscaped(text, true, buffer_);
   }
 }
 

@@ -68,20 +68,30 @@ std::optional<TextFormat> TextFormatNamed(std::string_view name);
 
 // Writes records one at a time: Begin (the header, from the fields as they
 // are then), Write for each record in order, End. Error 5 from the
-// constructor for the table.
+// constructor for the table. The text is collected in a buffer and handed
+// to `out` in blocks of about 64 KiB, by End and by the destructor (a
+// writer left before End hands over what it has).
 class RecordWriter {
  public:
   RecordWriter(TextFormat format, std::ostream& out, DateTimeColumns columns);
+  ~RecordWriter();
+  RecordWriter(const RecordWriter&) = delete;
+  RecordWriter& operator=(const RecordWriter&) = delete;
+
   void Begin(Repository& repository);
   void Write(Repository& repository, int32_t record);
   void End();
 
  private:
+  static constexpr size_t kBufferBytes = 64 * 1024;
+
   char Separator() const;
   void PutValue(std::string_view text);
+  void Flush();
 
   TextFormat format_;
   std::ostream& out_;
+  std::string buffer_;
   DateTimeColumns columns_;
   int32_t field_count_ = 0;
   int64_t records_written_ = 0;

@@ -179,6 +179,13 @@ std::string RTrim(std::string_view text) {
   return std::string(text.substr(0, last + 1));
 }
 
+std::string_view TrimSpaces(std::string_view text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  const size_t last = text.find_last_not_of(' ');
+  return text.substr(first, last - first + 1);
+}
+
 std::string UpperCase(std::string_view text) {
   return MapCase(text, utf8::UpperChar);
 }

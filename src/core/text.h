@@ -41,6 +41,9 @@ namespace rz {
 std::string Trim(std::string_view text);
 std::string LTrim(std::string_view text);
 std::string RTrim(std::string_view text);
+// Trim without copying: the part of `text` between its leading and
+// trailing spaces.
+std::string_view TrimSpaces(std::string_view text);
 
 // Upper-/lower-cases the letters listed in the file comment.
 std::string UpperCase(std::string_view text);

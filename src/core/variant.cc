@@ -203,6 +203,11 @@ size_t Variant::TextSize() const {
   return text == nullptr ? 0 : text->size();
 }
 
+std::string_view Variant::TextView() const {
+  const std::string* text = std::get_if<std::string>(&value_);
+  return text == nullptr ? std::string_view() : std::string_view(*text);
+}
+
 std::string Variant::ToString() const {
   switch (Type()) {
     case VariantType::kEmpty:

@@ -102,6 +102,9 @@ class Variant {
   std::string ToString() const;
   // The byte size of a held text without copying it; 0 for other types.
   size_t TextSize() const;
+  // A held text without copying it (valid while this Variant is alive and
+  // unchanged); empty for other types.
+  std::string_view TextView() const;
   // The object; raises error 91 for Empty/Null/Nothing, 13 for non-objects.
   std::shared_ptr<Dispatch> ToObject() const;
   // The items; raises error 13 when this is not an array.

@@ -51,12 +51,26 @@ bool HasValue(const Variant& value) {
 }
 
 // The first `length` characters of `text`.
-std::string LeftCharacters(std::string_view text, int32_t length) {
+std::string_view LeftCharacters(std::string_view text, int32_t length) {
   size_t pos = 0;
   for (int32_t n = 0; n < length && pos < text.size(); ++n) {
     utf8::NextChar(text, &pos);
   }
-  return std::string(text.substr(0, pos));
+  return text.substr(0, pos);
+}
+
+// A record's date or time text without its spaces; `scratch` holds the
+// text of a value that is not a text.
+std::string_view TrimmedText(const Variant& value, std::string& scratch) {
+  if (value.IsString()) return TrimSpaces(value.TextView());
+  scratch = value.ToString();
+  return TrimSpaces(scratch);
+}
+
+// A text column's cell: the value's text trimmed, cut to the field's
+// `length` characters and trimmed again.
+Variant FieldText(std::string_view text, int32_t length) {
+  return Variant(TrimSpaces(LeftCharacters(TrimSpaces(text), length)));
 }
 
 // What the engine does with every run of columns, in detail and summary
@@ -111,8 +125,8 @@ class Extraction {
     if (columns_[i].DisplayFormat.empty()) {
       if (!HasValue(value)) return Variant("");
       const int32_t length = i < lengths_.size() ? lengths_[i] : 0;
-      return Variant(
-          Trim(LeftCharacters(Trim(value.ToString()) + " ", length)));
+      if (value.IsString()) return FieldText(value.TextView(), length);
+      return FieldText(value.ToString(), length);
     }
     if (!HasValue(value)) return Variant("");
     return Variant(Format(value, masks_[i]));
@@ -237,10 +251,21 @@ class Extraction {
     return to_process;
   }
 
+  // The record's date-time as a Double: the one the application file built
+  // from the same texts, or, when it built none, built here again, which
+  // raises the error of a date out of range.
+  Variant RecordMoment() {
+    const Variant stored = file_.Value(0);
+    if (stored.Type() == VariantType::kDate) return Variant(stored.ToDate());
+    std::string date_text, time_text;
+    const Variant date = file_.Value(kDateField);
+    const Variant time = file_.Value(kTimeField);
+    return Variant(DateTimeFromRecordText(TrimmedText(date, date_text),
+                                          TrimmedText(time, time_text)));
+  }
+
   void DetailRecord() {
-    const std::string date = Trim(file_.Value(kDateField).ToString());
-    const std::string time = Trim(file_.Value(kTimeField).ToString());
-    const Variant moment(DateTimeFromRecordText(date, time));
+    const Variant moment = RecordMoment();
     delivery_.SetCell(output_record_, kDateField, moment);
     delivery_.SetCell(output_record_, kTimeField, moment);
     for (size_t i = 2; i < columns_.size(); ++i) {

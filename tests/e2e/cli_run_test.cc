@@ -65,6 +65,17 @@ TEST_F(RunCommandTest, ViewsGiveTheResultsWorkedOutByHand) {
        "2024-03-01,14:00:00,14,C\n"
        "2024-03-02,06:00:00,11,A\n"
        "2024-03-04,10:00:00,15,A\n"},
+      {"detail of a text cut to its field's length",
+       {"Cut", {kDate, kTime, Text("Note", 5, 3)}, {}},
+       "Date,Time,Note\n"
+       "2024-03-01,06:00:00,\n"
+       "2024-03-01,07:00:00,ok\n"
+       "2024-03-01,08:30:00,\n"
+       "2024-03-01,14:00:00,lat\n"
+       "2024-03-02,06:00:00,\n"
+       "2024-03-02,09:00:00,\n"
+       "2024-03-04,10:00:00,che\n"
+       "2024-03-04,23:00:00,\n"},
       {"summary by day (the day starts at 06:00)",
        {"Daily", {kDate, kTime, average, count}, {}, 5},
        "Date,Time,Avg,N\n"

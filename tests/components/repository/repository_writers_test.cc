@@ -139,6 +139,29 @@ TEST_F(RepositoryWritersTest, StreamedRecordsReadLikeAWholeRepository) {
   }
 }
 
+// The writer hands its text over in blocks: records past a block arrive
+// whole and in order, and a writer left before End (a run that stopped)
+// still hands over every record it took.
+TEST(RepositoryWritersEdgeTest, RecordsPastTheBufferArriveWholeAndInOrder) {
+  ResultRepository repository;
+  repository.Fields().Add("Text", 1, 10, 0, 0);
+  std::string expected = "Text\n";
+  for (int32_t r = 1; r <= 300; ++r) {
+    const std::string text(static_cast<size_t>(r * 7 % 1000 + 1),
+                           static_cast<char>('a' + r % 26));
+    repository.SetValue(r, 1, text);
+    expected += text + "\n";
+  }
+  std::ostringstream out;
+  {
+    RecordWriter writer(TextFormat::kCsv, out, {});
+    writer.Begin(repository);
+    for (int32_t r = 1; r <= 300; ++r) writer.Write(repository, r);
+    EXPECT_GT(out.str().size(), 0u);  // blocks went out before the end
+  }
+  EXPECT_EQ(out.str(), expected);
+}
+
 TEST(RepositoryWritersEdgeTest, FormatNamesAndTheTableRefusesToStream) {
   EXPECT_EQ(TextFormatNamed("jsonl"), TextFormat::kJsonLines);
   EXPECT_EQ(TextFormatNamed("table"), TextFormat::kTable);
