@@ -11,9 +11,11 @@
 // Cold: `rzselect run APP --view N --format csv -o FILE` as a new process
 // (open, load, run, write) against the Debian sqlite3 command line doing
 // the same query on the same data file with the same kind of output, each
-// the best of three, printed as a ratio rzselect/sqlite3. After appends:
-// the same run on a copy of the application right after the sqlite3
-// command line appended 1,000 records, as a ratio to the cold run. Warm: one engine
+// the best of three taken in turn (rzselect, sqlite3, rzselect, ...: a
+// shared machine's slow moments fall on both), printed as a ratio
+// rzselect/sqlite3. After appends: the same run on a copy of the
+// application right after the sqlite3 command line appended 1,000 records,
+// as a ratio to the cold run taken in turn with it. Warm: one engine
 // in this process with the view loaded, Refresh twice; the second's time
 // as a ratio to the first and to the sqlite3 figure. The line counts of
 // both outputs are printed as a guard that both did the same work.
@@ -43,6 +45,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -223,12 +226,24 @@ double TimedRun(const std::vector<std::string>& args,
   return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? seconds : -1;
 }
 
-double Best(const std::vector<std::string>& args) {
-  double best = -1;
+// The best time of each of several programs, run in turn `kRepeats` times
+// (a, b, a, b, ...) so that a shared machine's slow moments fall on both
+// alike; negative for a program that failed. `before` runs before each
+// round (untimed) and may fail the round.
+std::vector<double> BestInTurn(
+    const std::vector<std::vector<std::string>>& programs,
+    const std::function<bool()>& before = [] { return true; }) {
+  std::vector<double> best(programs.size(), -1);
   for (int i = 0; i < kRepeats; ++i) {
-    const double seconds = TimedRun(args);
-    if (seconds < 0) return -1;
-    best = best < 0 ? seconds : std::min(best, seconds);
+    if (!before()) return std::vector<double>(programs.size(), -1);
+    for (size_t p = 0; p < programs.size(); ++p) {
+      const double seconds = TimedRun(programs[p]);
+      if (seconds < 0) {
+        best[p] = -1;
+        return best;
+      }
+      if (best[p] < 0 || seconds < best[p]) best[p] = seconds;
+    }
   }
   return best;
 }
@@ -303,13 +318,12 @@ ColdTimes ColdRuns(const std::string& app, const Shape& shape) {
   const fs::path folder = fs::path(app).parent_path();
   const std::string data = (folder / "run1m.rzd").string();
   const std::string out = (folder / "out").string();
-  ColdTimes times;
-  times.rz = Best({RZSELECT_PATH, "run", app, "--view", shape.view, "--format",
-                   "csv", "-o", out + "_rz.csv", "--quiet"});
-  times.sql =
-      Best({"sqlite3", "-bail", "-cmd", ".headers on", "-cmd", ".mode csv",
-            "-cmd", ".output " + out + "_sql.csv", data, shape.sql});
-  return times;
+  const std::vector<double> best = BestInTurn(
+      {{RZSELECT_PATH, "run", app, "--view", shape.view, "--format", "csv",
+        "-o", out + "_rz.csv", "--quiet"},
+       {"sqlite3", "-bail", "-cmd", ".headers on", "-cmd", ".mode csv", "-cmd",
+        ".output " + out + "_sql.csv", data, shape.sql}});
+  return {best[0], best[1]};
 }
 
 // DuckDB's figures for one query: the best cold and warm runs in seconds,
@@ -431,7 +445,6 @@ int Main() {
                 "it); no comparison\n",
                 kDuckDbFolder.c_str());
   }
-  std::vector<double> cold;
   for (const Shape& shape : Shapes()) {
     const std::string rz_out = out + "_rz.csv";
     const std::string sql_out = out + "_sql.csv";
@@ -445,7 +458,6 @@ int Main() {
     std::printf("%-40s %9.3fs %9.3fs %8.2f %8ld/%-8ld %.3f us/record\n",
                 shape.name, rz, sql, rz / sql, Lines(rz_out), Lines(sql_out),
                 rz / kRecords * 1e6);
-    cold.push_back(rz);
     DuckDbTimes duck;
     if (!duckdb.empty()) {
       const std::string duck_out = out + "_duckdb.csv";
@@ -478,39 +490,30 @@ int Main() {
     }
   }
   // The first run after another program appended 1,000 records, as a
-  // ratio to the cold run: each repeat appends another 1,000 first.
+  // ratio to a cold run of the unchanged application taken in turn with
+  // it: each round appends another 1,000 first.
   const std::string copy = AppendableCopy(app);
   const std::string copy_data =
       (fs::path(copy).parent_path() / "run1m.rzd").string();
   int day = 1;
-  size_t index = 0;
   for (const Shape& shape : Shapes()) {
-    if (index >= cold.size()) break;
-    double best = -1;
-    for (int i = 0; i < kRepeats; ++i) {
-      if (!AppendRecords(copy_data, day++)) {
-        best = -1;
-        break;
-      }
-      const double seconds =
-          TimedRun({RZSELECT_PATH, "run", copy, "--view", shape.view,
-                    "--format", "csv", "-o", out + "_rz.csv", "--quiet"});
-      if (seconds < 0) {
-        best = -1;
-        break;
-      }
-      best = best < 0 ? seconds : std::min(best, seconds);
-    }
-    if (best < 0) {
+    const auto run_of = [&](const std::string& application) {
+      return std::vector<std::string>{
+          RZSELECT_PATH, "run",   application, "--view",         shape.view,
+          "--format",    "csv",   "-o",        out + "_rz.csv", "--quiet"};
+    };
+    const std::vector<double> best =
+        BestInTurn({run_of(app), run_of(copy)},
+                   [&] { return AppendRecords(copy_data, day++); });
+    if (best[0] < 0 || best[1] < 0) {
       std::printf("%-40s failed\n", shape.name);
       ++failures;
-    } else {
-      std::printf("%-40s %9.3fs %9.3fs %8.2f  (first run after 1,000 "
-                  "appended / cold)\n",
-                  ("  " + std::string(shape.view) + " after appends").c_str(),
-                  best, cold[index], best / cold[index]);
+      continue;
     }
-    ++index;
+    std::printf("%-40s %9.3fs %9.3fs %8.2f  (first run after 1,000 "
+                "appended / cold)\n",
+                ("  " + std::string(shape.view) + " after appends").c_str(),
+                best[1], best[0], best[1] / best[0]);
   }
   for (int records : OtherScales()) failures += RunScale(platform, records);
   return failures == 0 ? 0 : 1;

@@ -192,6 +192,28 @@ class StreamingOutput : public RZselectEvents {
   bool begun_ = false;
 };
 
+// The hooks a run calls with its repository: one of them may read or
+// change the records the run delivered.
+constexpr std::string_view kRepositoryHooks[] = {
+    "RZ_AfterOpenFile", "RZ_BeforeOpenView", "RZ_AfterOpenView"};
+
+// True when no hook of the application will see the run's repository
+// (hooks are off, or the hook files define none of kRepositoryHooks): the
+// command is then its only reader, and writing each record as the run
+// delivers it (event mode) gives the same text as writing the finished
+// repository, without holding every record in memory.
+bool OnlyThisCommandReadsTheResult(RZselect& engine, bool hooks_run) {
+  if (!hooks_run) return true;
+  const Variant modules = engine.GetScriptModules();
+  const VariantArray& names = modules.ToArray();
+  for (size_t i = 1; i < names.size(); ++i) {
+    for (std::string_view hook : kRepositoryHooks) {
+      if (EqualsIgnoreCase(names[i].ToString(), hook)) return false;
+    }
+  }
+  return true;
+}
+
 void WriteResult(RZselect& engine,
                  const std::shared_ptr<Repository>& repository,
                  TextFormat format, bool events, std::ostream& out) {
@@ -247,11 +269,15 @@ void RunViewCommand(Platform& platform, const RunOptions& options,
   std::shared_ptr<Platform> base(&platform, [](Platform*) {});
   std::shared_ptr<RZselect> engine = PrepareViewRun(base, options);
   std::shared_ptr<Repository> repository = platform.CreateRepository();
+  const bool events =
+      options.events ||
+      (*format != TextFormat::kTable &&
+       OnlyThisCommandReadsTheResult(*engine, !options.no_hooks));
   if (options.output.empty()) {
-    WriteResult(*engine, repository, *format, options.events, out);
+    WriteResult(*engine, repository, *format, events, out);
   } else {
     OutputFile file(options.output);
-    WriteResult(*engine, repository, *format, options.events, file.Stream());
+    WriteResult(*engine, repository, *format, events, file.Stream());
     file.Commit();
   }
   engine->ReleaseObject();

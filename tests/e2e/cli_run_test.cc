@@ -220,20 +220,63 @@ TEST_F(RunCommandTest, ABeforeOpenHookAnsweringSkipreadLeavesOnlyTheFields) {
   EXPECT_EQ(std::count(unhooked.out.begin(), unhooked.out.end(), '\n'), 9);
 }
 
+// Without hooks that see the repository the command writes records as
+// they come; a hook that does nothing keeps the finished repository (store
+// mode) and must give the same text, in detail and summary views alike.
 TEST_F(RunCommandTest, EventModeWritesTheSameRecordsAsStoreMode) {
   View daily{"Daily", {kDate, kTime, Numeric("Avg", 3, 9, 5, 2)}, {}, 5};
-  MakeApplication({daily});
-  for (const char* format : {"csv", "tsv", "json", "jsonl"}) {
-    const CliResult stored =
-        RunRzselect({"run", App(), "--view", "1", "--format", format});
-    const CliResult streamed = RunRzselect(
-        {"run", App(), "--view", "1", "--format", format, "--events"});
-    EXPECT_EQ(stored.status, 0) << stored.err;
-    EXPECT_EQ(streamed.status, 0) << streamed.err;
-    EXPECT_EQ(streamed.out, stored.out) << format;
+  View detail{"Detail",
+              {kDate, kTime, Numeric("Weight", 3, 0, 5, 2), Text("Line", 4, 1),
+               Text("Note", 5, 3)},
+              {}};
+  MakeApplication({daily, detail});
+  std::vector<std::string> streamed;
+  for (const char* view : {"1", "2"}) {
+    for (const char* format : {"csv", "tsv", "json", "jsonl"}) {
+      const CliResult run =
+          RunRzselect({"run", App(), "--view", view, "--format", format});
+      EXPECT_EQ(run.status, 0) << run.err;
+      streamed.push_back(run.out);
+    }
+  }
+  WriteFile(folder_.File("cells.rzt.rzx"),
+            "Function RZ_AfterOpenView()\r\n  RZ_AfterOpenView = \"\"\r\n"
+            "End Function\r\n");
+  size_t k = 0;
+  for (const char* view : {"1", "2"}) {
+    for (const char* format : {"csv", "tsv", "json", "jsonl"}) {
+      const CliResult stored =
+          RunRzselect({"run", App(), "--view", view, "--format", format});
+      const CliResult events = RunRzselect(
+          {"run", App(), "--view", view, "--format", format, "--events"});
+      EXPECT_EQ(stored.status, 0) << stored.err;
+      EXPECT_EQ(stored.out, streamed[k]) << view << " " << format;
+      EXPECT_EQ(events.out, streamed[k]) << view << " " << format;
+      ++k;
+    }
   }
   const CliResult table = Run("Daily", {"--events", "--format", "table"});
   EXPECT_EQ(table.status, 2);
+}
+
+// A hook that changes the delivered records is seen in the output: the
+// command then writes the finished repository; --no-hooks writes the run's
+// own records.
+TEST_F(RunCommandTest, AHookThatChangesTheRecordsIsSeenInTheOutput) {
+  View plain{"Plain", {kDate, kTime, Text("Line", 4, 1)}, {}};
+  MakeApplication({plain});
+  WriteFile(folder_.File("cells.rzt.rzx"),
+            "Function RZ_AfterOpenView()\r\n  RZrep.Value(1, 3) = \"Z\"\r\n"
+            "  RZ_AfterOpenView = \"\"\r\nEnd Function\r\n");
+  const CliResult hooked = Run("Plain");
+  EXPECT_EQ(hooked.status, 0) << hooked.err;
+  EXPECT_NE(hooked.out.find("Date,Time,Line\n2024-03-01,06:00:00,Z\n"),
+            std::string::npos)
+      << hooked.out;
+  const CliResult unhooked = Run("Plain", {"--no-hooks"});
+  EXPECT_NE(unhooked.out.find("Date,Time,Line\n2024-03-01,06:00:00,A\n"),
+            std::string::npos)
+      << unhooked.out;
 }
 
 TEST_F(RunCommandTest, OutputFileIsReplacedOnlyByASuccessfulRun) {
