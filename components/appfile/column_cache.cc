@@ -306,12 +306,11 @@ const ColumnCache::Section& ColumnCache::SectionOf(int variable,
                    static_cast<size_t>(part)];
 }
 
-std::optional<std::vector<double>> ColumnCache::ReadDateTimes() const {
+std::optional<ColumnBuffer<double>> ColumnCache::ReadDateTimes() const {
+  if (sections_[0].bytes != record_count_ * sizeof(double)) return std::nullopt;
   const char* data = SectionData(sections_[0]);
   if (data == nullptr) return std::nullopt;
-  std::vector<double> date_times(record_count_);
-  std::memcpy(date_times.data(), data, sections_[0].bytes);
-  return date_times;
+  return Borrow<double>(sections_[0], data);
 }
 
 std::optional<RecordColumn> ColumnCache::ReadColumn(int variable) const {

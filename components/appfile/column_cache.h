@@ -74,7 +74,7 @@ class ColumnCache {
   size_t RecordCount() const { return record_count_; }
   int64_t LastRecordNumber() const { return last_record_number_; }
 
-  std::optional<std::vector<double>> ReadDateTimes() const;
+  std::optional<ColumnBuffer<double>> ReadDateTimes() const;
   // REQUIRES: 1 <= variable <= the number of variables.
   std::optional<RecordColumn> ReadColumn(int variable) const;
 

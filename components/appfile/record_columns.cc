@@ -252,13 +252,16 @@ RecordColumns::RecordColumns(const std::vector<bool>& numeric)
 }
 
 RecordColumns::RecordColumns(const std::vector<bool>& numeric,
-                             std::vector<double> date_times,
+                             ColumnBuffer<double> date_times,
                              int64_t last_record_number, ColumnLoader* loader)
     : RecordColumns(numeric) {
   std::fill(pending_.begin(), pending_.end(), 1);
   loader_ = loader;
-  date_times_.reserve(date_times.size());
-  for (double date_time : date_times) AddDateTime(date_time);
+  for (size_t i = 0; i < date_times.size() && in_time_order_; ++i) {
+    in_time_order_ = !std::isnan(date_times[i]) &&
+                     (i == 0 || date_times[i - 1] <= date_times[i]);
+  }
+  date_times_ = std::move(date_times);
   last_record_number_ = last_record_number;
 }
 
@@ -305,8 +308,9 @@ double RecordColumns::ComputeDateTime(size_t index) {
 }
 
 void RecordColumns::AddDateTime(double date_time) {
+  const size_t count = date_times_.size();
   if (std::isnan(date_time) ||
-      (!date_times_.empty() && !(date_times_.back() <= date_time))) {
+      (count > 0 && !(date_times_[count - 1] <= date_time))) {
     in_time_order_ = false;
   }
   date_times_.push_back(date_time);

@@ -265,7 +265,7 @@ class RecordColumns {
   // Records whose date-times are known and whose columns `loader` (not
   // owned, outliving this) delivers when first asked for.
   RecordColumns(const std::vector<bool>& numeric,
-                std::vector<double> date_times, int64_t last_record_number,
+                ColumnBuffer<double> date_times, int64_t last_record_number,
                 ColumnLoader* loader);
 
   // Room for `records` records in every column.
@@ -292,7 +292,7 @@ class RecordColumns {
   bool IsLoaded(int variable) const {
     return !pending_[static_cast<size_t>(variable - 1)];
   }
-  const std::vector<double>& DateTimes() const { return date_times_; }
+  const ColumnBuffer<double>& DateTimes() const { return date_times_; }
   double DateTime(size_t index) const { return date_times_[index]; }
   bool InTimeOrder() const { return in_time_order_; }
   // The record number (recno) of the last record; 0 when there is none.
@@ -307,7 +307,7 @@ class RecordColumns {
   mutable std::vector<RecordColumn> columns_;
   mutable std::vector<char> pending_;  // 1: not loaded yet
   ColumnLoader* loader_ = nullptr;
-  std::vector<double> date_times_;
+  ColumnBuffer<double> date_times_;
   bool in_time_order_ = true;
   int64_t last_record_number_ = 0;
   // Records come in date order, so most records repeat the date text of

@@ -130,7 +130,7 @@ bool SqliteDataStore::OpenFromCache(const Snapshot& snapshot) {
     tail = ReadRecords(*db, cache->LastRecordNumber());
     db->Exec("COMMIT");
   }
-  std::optional<std::vector<double>> date_times = cache->ReadDateTimes();
+  std::optional<ColumnBuffer<double>> date_times = cache->ReadDateTimes();
   if (!date_times) return false;
   if (cache->RecordCount() + tail->RecordCount() >
       static_cast<size_t>(std::numeric_limits<int32_t>::max())) {
