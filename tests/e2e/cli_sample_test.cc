@@ -98,6 +98,60 @@ TEST_F(CliSampleTest, WritesTheGeneratedApplication) {
   }
 }
 
+// The column cache is derived: every view of the sample gives the same
+// bytes read from the data file (no cache), from a fresh cache, and from a
+// cache plus records another program appended since.
+TEST_F(CliSampleTest, ViewsGiveTheSameBytesWithAndWithoutTheColumnCache) {
+  ASSERT_EQ(RunRzselect({"sample", folder_.File("demo"), "--records", "3000",
+                         "--seed", "5"})
+                .status,
+            0);
+  const std::string cache = folder_.File("demo/line4.rzc");
+  const std::vector<std::vector<std::string>> views = {
+      {"--view", "1"},
+      {"--view", "2"},
+      {"--view", "3", "--as-of", "2026-01-20 12:00:00"},
+      {"--view", "4", "--param", "1=A. Meyer"},
+  };
+  // Each view in CSV and JSON, as one text; `drop_cache`: every run reads
+  // the data file.
+  auto run_all = [&](bool drop_cache) {
+    std::string text;
+    for (const std::vector<std::string>& view : views) {
+      for (const char* format : {"csv", "json"}) {
+        if (drop_cache) std::filesystem::remove(cache);
+        std::vector<std::string> args = {"run", Template(), "--format",
+                                         format};
+        args.insert(args.end(), view.begin(), view.end());
+        const CliResult run = RunRzselect(args);
+        EXPECT_EQ(run.status, 0) << view[1] << " " << run.err;
+        text += run.out;
+      }
+    }
+    return text;
+  };
+  const std::string from_data_file = run_all(true);
+  ASSERT_TRUE(std::filesystem::exists(cache));
+  EXPECT_EQ(run_all(false), from_data_file);
+
+  // Another program appends 200 records, 40 days after the first 200.
+  {
+    TempFolder logs;
+    Child sqlite({"/usr/bin/sqlite3", Data(),
+                  "INSERT INTO records(v1, v2, v3, v4, v5, v6, v7, v8, v9, "
+                  "v10, v11, v12, v13, v14) SELECT date(v1, '+40 days'), v2, "
+                  "v3, v4, v5, v6, v7, v8, v9, v10, v11, v12, v13, v14 FROM "
+                  "records ORDER BY recno LIMIT 200;"},
+                 logs.File("out"), logs.File("err"));
+    ASSERT_TRUE(sqlite.started()) << "the sqlite3 command line is needed";
+    ASSERT_EQ(sqlite.WaitExit(std::chrono::seconds(60)), 0)
+        << ReadWholeFile(logs.File("err"));
+  }
+  const std::string with_tail = run_all(false);
+  EXPECT_NE(with_tail, from_data_file);  // the appended records count
+  EXPECT_EQ(run_all(true), with_tail);
+}
+
 TEST_F(CliSampleTest, RefusesToOverwriteWithoutForce) {
   ASSERT_EQ(
       RunRzselect({"sample", folder_.File("demo"), "--records", "20"}).status,
