@@ -4,10 +4,11 @@
 
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 
+#include "appfile/column_cache.h"
+#include "appfile/data_file_stamp.h"
 #include "core/error.h"
 #include "platform/file_system.h"
 
@@ -17,14 +18,6 @@ namespace {
 // The data file's companions that belong to it: an old journal must not be
 // applied to the new file, so they move aside with it.
 constexpr const char* kDataCompanions[] = {"", "-wal", "-shm"};
-
-// A name beside `path` that no other writer in this or another process
-// uses: path + tag + "-<pid>-<n>".
-std::string UniqueSibling(const std::string& path, std::string_view tag) {
-  static std::atomic<unsigned> counter{0};
-  return path + std::string(tag) + "-" + std::to_string(::getpid()) + "-" +
-         std::to_string(++counter);
-}
 
 // Renames `from` to `to`; raises the error naming `to` on failure.
 void MoveFile(const std::string& from, const std::string& to) {
@@ -40,8 +33,10 @@ ApplicationWriter::ApplicationWriter(std::string template_path,
                                      std::vector<bool> numeric)
     : template_path_(std::move(template_path)),
       data_path_(std::move(data_path)),
-      data_temp_(UniqueSibling(data_path_, ".tmp")) {
-  data_ = DataWriter::Create(data_temp_, std::move(numeric));
+      data_temp_(TemporaryNameFor(data_path_)),
+      cache_(std::make_unique<ColumnCacheBuilder>(
+          TemporaryNameFor(ColumnCache::PathFor(data_path_)), numeric)) {
+  data_ = DataWriter::Create(data_temp_, std::move(numeric), cache_.get());
 }
 
 ApplicationWriter::~ApplicationWriter() {
@@ -57,7 +52,7 @@ void ApplicationWriter::Commit(const std::string& template_text) {
   try {
     data_->Commit();
     data_.reset();
-    template_temp_ = UniqueSibling(template_path_, ".tmp");
+    template_temp_ = TemporaryNameFor(template_path_);
     WriteTextFileAtomically(template_temp_, template_text);
     SetAsideExisting();
     MoveFile(data_temp_, data_path_);
@@ -75,10 +70,21 @@ void ApplicationWriter::Commit(const std::string& template_text) {
   }
   committed_ = true;
   for (const auto& [original, aside] : set_aside_) DeleteFileQuietly(aside);
+  FinishCache();
+}
+
+void ApplicationWriter::FinishCache() {
+  // Without a cache of its own the new data file must not keep one made
+  // from another file under the same name.
+  const std::string cache_path = ColumnCache::PathFor(data_path_);
+  if (!cache_->Finish(cache_path, TakeDataFileStamp(data_path_), data_path_)) {
+    DeleteFileQuietly(cache_path);
+  }
+  cache_.reset();
 }
 
 void ApplicationWriter::SetAsideExisting() {
-  const std::string aside = UniqueSibling(data_path_, ".old");
+  const std::string aside = TemporaryNameFor(data_path_, ".old");
   for (const char* suffix : kDataCompanions) {
     const std::string original = data_path_ + suffix;
     if (!FileExists(original)) continue;
@@ -95,7 +101,8 @@ void ApplicationWriter::PutBackExisting() {
 }
 
 void ApplicationWriter::RemoveTemporaries() {
-  data_.reset();  // an uncommitted data writer removes its own file
+  data_.reset();   // an uncommitted data writer removes its own file
+  cache_.reset();  // and the builder its spool
   for (const char* suffix : kDataCompanions) {
     DeleteFileQuietly(data_temp_ + suffix);
   }

@@ -6,7 +6,10 @@
 // under a temporary name too, and only then moves both into place. An
 // application already at the target is set aside first and put back when a
 // later step fails. Destroying a writer that was not committed removes its
-// temporaries and leaves the target as it was.
+// temporaries and leaves the target as it was. The column cache of the new
+// data file is made as the records are written (ColumnCacheBuilder) and
+// put beside it last; a cache that cannot be made is left to the first
+// reader.
 //
 // Errors are rz::Error naming the path concerned (70/75/76 for files,
 // 13 from the data writer for a value of the wrong kind). Not thread-safe.
@@ -20,6 +23,7 @@
 #include <utility>
 #include <vector>
 
+#include "appfile/column_cache_builder.h"
 #include "appfile/data_writer.h"
 #include "core/variant.h"
 
@@ -52,11 +56,14 @@ class ApplicationWriter {
   void SetAsideExisting();
   void PutBackExisting();
   void RemoveTemporaries();
+  // Writes the column cache beside the data file in place.
+  void FinishCache();
 
   std::string template_path_;
   std::string data_path_;
   std::string data_temp_;
   std::string template_temp_;
+  std::unique_ptr<ColumnCacheBuilder> cache_;  // outlives data_
   std::unique_ptr<DataWriter> data_;
   int32_t records_ = 0;
   bool committed_ = false;

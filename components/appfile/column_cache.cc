@@ -12,6 +12,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "platform/file_system.h"
+
 namespace rz {
 namespace {
 
@@ -47,17 +49,15 @@ uint64_t Mix(uint64_t lane, uint64_t word) {
   return lane ^ (lane >> 31);
 }
 
-bool WriteAll(int fd, const void* data, size_t bytes, uint64_t offset) {
-  const char* from = static_cast<const char*>(data);
-  while (bytes > 0) {
-    const ssize_t written = pwrite(fd, from, bytes, static_cast<off_t>(offset));
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    from += written;
-    bytes -= static_cast<size_t>(written);
-    offset += static_cast<uint64_t>(written);
+// Adds `count` blocks of 32 bytes, a 64-bit word to each lane in turn.
+void AddBlocks(uint64_t* lanes, const unsigned char* p, size_t count) {
+  for (size_t block = 0; block < count; ++block, p += 32) {
+    for (int lane = 0; lane < 4; ++lane) {
+      uint64_t word;
+      std::memcpy(&word, p + 8 * lane, 8);
+      lanes[lane] = Mix(lanes[lane], word);
+    }
   }
-  return true;
 }
 
 void PutIdentity(const FileIdentity& identity, uint64_t* words) {
@@ -94,56 +94,87 @@ void PrefaultPages(const char* data, size_t bytes) {
 #endif
 }
 
-// What one section of a new cache holds.
-struct Piece {
-  const void* data;
-  size_t bytes;
-};
-
 }  // namespace
 
 uint64_t CacheChecksum(const void* data, size_t bytes) {
+  CacheChecksummer checksum;
+  checksum.Add(data, bytes);
+  return checksum.Value();
+}
+
+void CacheChecksummer::Add(const void* data, size_t bytes) {
   const auto* p = static_cast<const unsigned char*>(data);
-  uint64_t lanes[4] = {0x243F6A8885A308D3, 0x13198A2E03707344,
-                       0xA4093822299F31D0, 0x082EFA98EC4E6C89};
-  const size_t words = bytes / 8;
-  size_t i = 0;
-  for (; i + 4 <= words; i += 4) {
-    for (int lane = 0; lane < 4; ++lane) {
-      uint64_t word;
-      std::memcpy(&word, p + 8 * (i + static_cast<size_t>(lane)), 8);
-      lanes[lane] = Mix(lanes[lane], word);
-    }
+  total_bytes_ += bytes;
+  if (pending_bytes_ > 0) {
+    const size_t taken = std::min(bytes, kBlock - pending_bytes_);
+    std::memcpy(pending_ + pending_bytes_, p, taken);
+    pending_bytes_ += taken;
+    p += taken;
+    bytes -= taken;
+    if (pending_bytes_ < kBlock) return;
+    AddBlocks(lanes_, pending_, 1);
+    pending_bytes_ = 0;
   }
-  for (; i < words; ++i) {
+  const size_t blocks = bytes / kBlock;
+  AddBlocks(lanes_, p, blocks);
+  p += blocks * kBlock;
+  pending_bytes_ = bytes - blocks * kBlock;
+  if (pending_bytes_ > 0) std::memcpy(pending_, p, pending_bytes_);
+}
+
+uint64_t CacheChecksummer::Value() const {
+  // What is left of the last block: its whole words go to the first lane,
+  // then the bytes after them as one word.
+  uint64_t first = lanes_[0];
+  const size_t words = pending_bytes_ / 8;
+  for (size_t i = 0; i < words; ++i) {
     uint64_t word;
-    std::memcpy(&word, p + 8 * i, 8);
-    lanes[0] = Mix(lanes[0], word);
+    std::memcpy(&word, pending_ + 8 * i, 8);
+    first = Mix(first, word);
   }
   uint64_t rest = 0;
-  if (bytes % 8 != 0) std::memcpy(&rest, p + 8 * words, bytes % 8);
-  uint64_t sum = Mix(lanes[0], rest);
-  for (int lane = 1; lane < 4; ++lane) sum = Mix(sum, lanes[lane]);
-  return Mix(sum, bytes);
+  std::memcpy(&rest, pending_ + 8 * words, pending_bytes_ % 8);
+  uint64_t sum = Mix(first, rest);
+  for (int lane = 1; lane < 4; ++lane) sum = Mix(sum, lanes_[lane]);
+  return Mix(sum, total_bytes_);
+}
+
+void RecordFingerprinter::AddNull() { value_ = Mix(value_, Mix(0, 1)); }
+
+void RecordFingerprinter::AddNumber(double number) {
+  value_ = Mix(value_, CacheChecksum(&number, sizeof number));
+}
+
+void RecordFingerprinter::AddText(std::string_view text) {
+  value_ = Mix(value_, CacheChecksum(text.data(), text.size()));
 }
 
 uint64_t RecordFingerprint(const RecordColumns& columns, size_t index) {
-  uint64_t fingerprint = 0;
+  RecordFingerprinter fingerprint;
   for (int k = 1; k <= columns.VariableCount(); ++k) {
     const RecordColumn& column = columns.Column(k);
-    uint64_t cell = 0;
     if (column.IsNull(index)) {
-      cell = Mix(0, 1);
+      fingerprint.AddNull();
     } else if (column.Numeric()) {
-      const double number = column.Number(index);
-      cell = CacheChecksum(&number, sizeof number);
+      fingerprint.AddNumber(column.Number(index));
     } else {
-      const std::string_view text = column.Text(index);
-      cell = CacheChecksum(text.data(), text.size());
+      fingerprint.AddText(column.Text(index));
     }
-    fingerprint = Mix(fingerprint, cell);
   }
-  return fingerprint;
+  return fingerprint.Value();
+}
+
+bool WriteAllAt(int fd, const void* data, size_t bytes, uint64_t offset) {
+  const char* from = static_cast<const char*>(data);
+  while (bytes > 0) {
+    const ssize_t written = pwrite(fd, from, bytes, static_cast<off_t>(offset));
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    from += written;
+    bytes -= static_cast<size_t>(written);
+    offset += static_cast<uint64_t>(written);
+  }
+  return true;
 }
 
 std::string ColumnCache::PathFor(const std::string& data_path) {
@@ -158,25 +189,44 @@ std::string ColumnCache::PathFor(const std::string& data_path) {
 
 bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
                         const Origin& origin, const std::string& data_path) {
-  const size_t variables = static_cast<size_t>(columns.VariableCount());
   const size_t records = columns.RecordCount();
-  std::vector<Piece> pieces;
-  pieces.push_back({columns.DateTimes().data(), records * sizeof(double)});
+  std::vector<SectionSource> sections;
+  auto add = [&sections](const void* data, size_t bytes) {
+    sections.push_back({bytes, CacheChecksum(data, bytes),
+                        [data, bytes](int fd, uint64_t offset) {
+                          return WriteAllAt(fd, data, bytes, offset);
+                        }});
+  };
+  std::vector<bool> numeric;
+  add(columns.DateTimes().data(), records * sizeof(double));
   for (int k = 1; k <= columns.VariableCount(); ++k) {
     const RecordColumn& column = columns.Column(k);
-    pieces.push_back({column.Nulls().Words(),
-                      NullWordCount(records) * sizeof(uint64_t)});
+    numeric.push_back(column.Numeric());
+    add(column.Nulls().Words(), NullWordCount(records) * sizeof(uint64_t));
     if (column.Numeric()) {
-      pieces.push_back({column.Numbers(), records * sizeof(double)});
-      pieces.push_back({nullptr, 0});
+      add(column.Numbers(), records * sizeof(double));
+      add(nullptr, 0);
     } else {
-      pieces.push_back({column.TextEnds(), records * sizeof(size_t)});
-      pieces.push_back({column.TextArena().data(), column.TextArena().size()});
+      add(column.TextEnds(), records * sizeof(size_t));
+      add(column.TextArena().data(), column.TextArena().size());
     }
   }
+  return WriteSections(path, numeric, records, columns.LastRecordNumber(),
+                       origin, data_path, sections);
+}
 
-  std::string temp = path + ".tmp-XXXXXX";
-  const int fd = mkostemp(temp.data(), O_CLOEXEC);
+bool ColumnCache::WriteSections(const std::string& path,
+                                const std::vector<bool>& numeric,
+                                size_t records, int64_t last_record_number,
+                                const Origin& origin,
+                                const std::string& data_path,
+                                const std::vector<SectionSource>& sections) {
+  const size_t variables = numeric.size();
+  if (sections.size() != SectionCount(variables)) return false;
+  // A temporary name that recovery removes if this process is killed.
+  const std::string temp = TemporaryNameFor(path);
+  const int fd =
+      open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (fd < 0) return false;
   struct stat data_info {};
   if (stat(data_path.c_str(), &data_info) != 0 ||
@@ -191,29 +241,27 @@ bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
   header[2] = kVersion;
   header[3] = variables;
   header[4] = records;
-  header[5] = static_cast<uint64_t>(columns.LastRecordNumber());
+  header[5] = static_cast<uint64_t>(last_record_number);
   header[6] = origin.edit_generation ? kHasGeneration : 0;
   header[7] = static_cast<uint64_t>(origin.edit_generation.value_or(0));
   PutIdentity(origin.stamp.file, &header[8]);
   PutIdentity(origin.stamp.wal, &header[13]);
   header[18] = origin.last_record_fingerprint;
   auto* flags = reinterpret_cast<unsigned char*>(&header[kFixedWords]);
-  for (size_t k = 0; k < variables; ++k) {
-    flags[k] = columns.Column(static_cast<int>(k + 1)).Numeric() ? 1 : 0;
-  }
+  for (size_t k = 0; k < variables; ++k) flags[k] = numeric[k] ? 1 : 0;
   uint64_t* table = &header[kFixedWords + FlagWords(variables)];
   uint64_t offset = header.size() * sizeof(uint64_t);
   bool ok = true;
-  for (size_t s = 0; s < pieces.size() && ok; ++s) {
+  for (size_t s = 0; s < sections.size() && ok; ++s) {
     table[3 * s] = offset;
-    table[3 * s + 1] = pieces[s].bytes;
-    table[3 * s + 2] = CacheChecksum(pieces[s].data, pieces[s].bytes);
-    ok = WriteAll(fd, pieces[s].data, pieces[s].bytes, offset);
-    offset += RoundUp8(pieces[s].bytes);
+    table[3 * s + 1] = sections[s].bytes;
+    table[3 * s + 2] = sections[s].checksum;
+    ok = sections[s].write(fd, offset);
+    offset += RoundUp8(sections[s].bytes);
   }
-  header.back() = CacheChecksum(header.data(),
-                                (header.size() - 1) * sizeof(uint64_t));
-  ok = ok && WriteAll(fd, header.data(), header.size() * sizeof(uint64_t), 0);
+  header.back() =
+      CacheChecksum(header.data(), (header.size() - 1) * sizeof(uint64_t));
+  ok = ok && WriteAllAt(fd, header.data(), header.size() * sizeof(uint64_t), 0);
   ok = close(fd) == 0 && ok;
   if (ok && rename(temp.c_str(), path.c_str()) == 0) return true;
   unlink(temp.c_str());
@@ -253,8 +301,8 @@ bool ColumnCache::ReadHeader() {
   if (file_size_ < header_bytes) return false;
   std::vector<uint64_t> header(header_words);
   std::memcpy(header.data(), mapping_.get(), header_bytes);
-  if (header[0] != kMagic || header[1] != kByteOrder ||
-      header[2] != kVersion || header[3] != variables ||
+  if (header[0] != kMagic || header[1] != kByteOrder || header[2] != kVersion ||
+      header[3] != variables ||
       header.back() != CacheChecksum(header.data(), header_bytes - 8)) {
     return false;
   }

@@ -29,9 +29,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "appfile/data_file_stamp.h"
@@ -61,6 +63,24 @@ class ColumnCache {
   // could not (nothing is left behind then).
   static bool Write(const std::string& path, const RecordColumns& columns,
                     const Origin& origin, const std::string& data_path);
+
+  // One section of a cache being written: its length, its checksum and
+  // what writes its bytes into the file `fd` at `offset` (false when it
+  // could not).
+  struct SectionSource {
+    uint64_t bytes = 0;
+    uint64_t checksum = 0;
+    std::function<bool(int fd, uint64_t offset)> write;
+  };
+  // Writes a cache of `records` records (the last numbered
+  // `last_record_number`) from `sections` in the order the file holds
+  // them: the date-times, then per variable its null words, its numbers
+  // or text ends and its text arena. The rest as Write.
+  static bool WriteSections(const std::string& path,
+                            const std::vector<bool>& numeric, size_t records,
+                            int64_t last_record_number, const Origin& origin,
+                            const std::string& data_path,
+                            const std::vector<SectionSource>& sections);
 
   // Opens the cache at `path` for variables with the numeric flags
   // `numeric`; nullptr when there is none or it is not a cache of them.
@@ -108,9 +128,41 @@ class ColumnCache {
 // The checksum of a section: 64-bit, over its bytes and its length.
 uint64_t CacheChecksum(const void* data, size_t bytes);
 
-// A checksum of every cell of record `index` (0-based) as `columns` hold
-// it; loads every column.
+// CacheChecksum of bytes that come in pieces: Add them in order, and
+// Value() is CacheChecksum of all of them in a row.
+class CacheChecksummer {
+ public:
+  void Add(const void* data, size_t bytes);
+  uint64_t Value() const;
+
+ private:
+  static constexpr size_t kBlock = 32;  // four 64-bit lanes
+  uint64_t lanes_[4] = {0x243F6A8885A308D3, 0x13198A2E03707344,
+                        0xA4093822299F31D0, 0x082EFA98EC4E6C89};
+  unsigned char pending_[kBlock] = {};
+  size_t pending_bytes_ = 0;
+  uint64_t total_bytes_ = 0;
+};
+
+// A checksum of a record's cells, given in variable order.
+class RecordFingerprinter {
+ public:
+  void AddNull();
+  void AddNumber(double number);
+  void AddText(std::string_view text);
+  uint64_t Value() const { return value_; }
+
+ private:
+  uint64_t value_ = 0;
+};
+
+// The fingerprint of every cell of record `index` (0-based) as `columns`
+// hold it; loads every column.
 uint64_t RecordFingerprint(const RecordColumns& columns, size_t index);
+
+// Writes all `bytes` at `offset` of the file `fd`; false when it could
+// not.
+bool WriteAllAt(int fd, const void* data, size_t bytes, uint64_t offset);
 
 }  // namespace rz
 

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "appfile/column_cache_builder.h"
 #include "appfile/data_file_schema.h"
 #include "appfile/sqlite_util.h"
 #include "core/error.h"
@@ -42,19 +43,18 @@ std::string TableSql(const std::vector<bool>& numeric) {
 // The triggers that keep the edit generation; made after the records are
 // written, so the writing does not run them for every record.
 std::string TriggerSql() {
-  return
-      "CREATE TRIGGER records_updated AFTER UPDATE ON records BEGIN\n"
-      "  UPDATE meta SET value = value + 1 WHERE key = 'edit_generation';\n"
-      "END;\n"
-      "CREATE TRIGGER records_deleted AFTER DELETE ON records BEGIN\n"
-      "  UPDATE meta SET value = value + 1 WHERE key = 'edit_generation';\n"
-      "END;\n"
-      // A record inserted before the last one moves the positions of the
-      // records after it: for a reader that is an edit, not an append.
-      "CREATE TRIGGER records_inserted_between AFTER INSERT ON records\n"
-      "WHEN NEW.recno < (SELECT max(recno) FROM records) BEGIN\n"
-      "  UPDATE meta SET value = value + 1 WHERE key = 'edit_generation';\n"
-      "END;\n";
+  return "CREATE TRIGGER records_updated AFTER UPDATE ON records BEGIN\n"
+         "  UPDATE meta SET value = value + 1 WHERE key = 'edit_generation';\n"
+         "END;\n"
+         "CREATE TRIGGER records_deleted AFTER DELETE ON records BEGIN\n"
+         "  UPDATE meta SET value = value + 1 WHERE key = 'edit_generation';\n"
+         "END;\n"
+         // A record inserted before the last one moves the positions of the
+         // records after it: for a reader that is an edit, not an append.
+         "CREATE TRIGGER records_inserted_between AFTER INSERT ON records\n"
+         "WHEN NEW.recno < (SELECT max(recno) FROM records) BEGIN\n"
+         "  UPDATE meta SET value = value + 1 WHERE key = 'edit_generation';\n"
+         "END;\n";
 }
 
 std::string InsertSql(size_t variable_count) {
@@ -90,8 +90,9 @@ void RemoveDataFiles(const std::string& path) {
 
 class SqliteDataWriter : public DataWriter {
  public:
-  SqliteDataWriter(const std::string& path, std::vector<bool> numeric)
-      : path_(path), numeric_(std::move(numeric)) {
+  SqliteDataWriter(const std::string& path, std::vector<bool> numeric,
+                   ColumnCacheBuilder* cache)
+      : path_(path), numeric_(std::move(numeric)), cache_(cache) {
     try {
       db_ = std::make_unique<SqliteDb>(path_, SQLITE_OPEN_READWRITE |
                                                   SQLITE_OPEN_CREATE |
@@ -128,11 +129,12 @@ class SqliteDataWriter : public DataWriter {
       if (k < values.size()) {
         BindValue(variable, values[k]);
       } else {
-        insert_->BindNull(variable);
+        BindNull(variable);
       }
     }
     insert_->Step();
     insert_->Reset();
+    if (cache_ != nullptr) cache_->EndRecord();
   }
 
   void Commit() override {
@@ -160,13 +162,13 @@ class SqliteDataWriter : public DataWriter {
 
   void BindValue(int variable, const Variant& value) {
     if (value.IsEmpty() || value.IsNull()) {
-      insert_->BindNull(variable);
+      BindNull(variable);
     } else if (value.IsObject() || value.IsArray()) {
       throw Error::TypeMismatchFor(value.TypeName(), VariableName(variable));
     } else if (!numeric_[static_cast<size_t>(variable - 1)]) {
-      insert_->BindText(variable, value.ToString());
+      BindText(variable, value.ToString());
     } else if (value.IsNumber()) {
-      insert_->BindDouble(variable, value.ToDouble());
+      BindDouble(variable, value.ToDouble());
     } else {
       BindNumericText(variable, value.ToString());
     }
@@ -176,12 +178,26 @@ class SqliteDataWriter : public DataWriter {
   // as that number, anything else is refused.
   void BindNumericText(int variable, const std::string& text) {
     if (Trim(text).empty()) {
-      insert_->BindNull(variable);
+      BindNull(variable);
     } else if (IsNumericText(text)) {
-      insert_->BindDouble(variable, LeadingNumber(text));
+      BindDouble(variable, LeadingNumber(text));
     } else {
       throw Error::TypeMismatchFor(text, VariableName(variable));
     }
+  }
+
+  // Each binds the cell and gives it to the cache builder.
+  void BindNull(int variable) {
+    insert_->BindNull(variable);
+    if (cache_ != nullptr) cache_->SetNull(variable);
+  }
+  void BindText(int variable, const std::string& text) {
+    insert_->BindText(variable, text);
+    if (cache_ != nullptr) cache_->SetText(variable, text);
+  }
+  void BindDouble(int variable, double number) {
+    insert_->BindDouble(variable, number);
+    if (cache_ != nullptr) cache_->SetNumber(variable, number);
   }
 
   static std::string VariableName(int variable) {
@@ -199,18 +215,20 @@ class SqliteDataWriter : public DataWriter {
   std::vector<bool> numeric_;
   std::unique_ptr<SqliteDb> db_;
   std::unique_ptr<SqliteStatement> insert_;
+  ColumnCacheBuilder* cache_;  // not owned; may be null
   bool committed_ = false;
 };
 
 }  // namespace
 
 std::unique_ptr<DataWriter> DataWriter::Create(const std::string& path,
-                                               std::vector<bool> numeric) {
+                                               std::vector<bool> numeric,
+                                               ColumnCacheBuilder* cache) {
   if (numeric.empty()) {
     throw Error::InvalidArgument("a data file needs at least one variable");
   }
   if (FileExists(path)) throw Error::BadDataFile(path, "the file exists");
-  return std::make_unique<SqliteDataWriter>(path, std::move(numeric));
+  return std::make_unique<SqliteDataWriter>(path, std::move(numeric), cache);
 }
 
 }  // namespace rz

@@ -7,6 +7,9 @@
 // temporary name and renames into place after Commit; the destructor of an
 // uncommitted writer rolls back and removes the file.
 //
+// Given a ColumnCacheBuilder, the writer also hands it every record it
+// stores, cell by cell as the data file holds them.
+//
 // Errors are rz::Error naming the path (70/75/76); a value of the wrong
 // kind for its variable (text for a numeric one) raises error 13 naming the
 // value and the variable.
@@ -22,12 +25,16 @@
 
 namespace rz {
 
+class ColumnCacheBuilder;
+
 class DataWriter {
  public:
   // Creates the file at `path` (which must not exist) for variables whose
-  // numeric flags are `numeric`.
-  static std::unique_ptr<DataWriter> Create(const std::string& path,
-                                            std::vector<bool> numeric);
+  // numeric flags are `numeric`; `cache` (not owned, may be null) outlives
+  // the writer.
+  static std::unique_ptr<DataWriter> Create(
+      const std::string& path, std::vector<bool> numeric,
+      ColumnCacheBuilder* cache = nullptr);
   virtual ~DataWriter() = default;
 
   // Appends one record; `values[k-1]` is variable k (missing trailing

@@ -28,6 +28,7 @@ constexpr std::string_view kAsideTag = ".old-";
 constexpr std::string_view kCommittedTag = ".new-";
 constexpr std::string_view kDataExtension = ".rzd";
 constexpr std::string_view kScriptExtension = ".rzx";
+constexpr std::string_view kCacheExtension = ".rzc";
 constexpr std::string_view kDataCompanions[] = {"-wal", "-shm", "-journal"};
 constexpr const char* kCrashVariable = "RZ_TEST_CRASH_AT";
 constexpr std::string_view kStopSuffix = ":stop";
@@ -82,7 +83,9 @@ bool IsApplicationFile(std::string_view name, const AppNames& names) {
     return true;
   }
   const std::string data = names.DataName();
-  if (name == data) return true;
+  if (name == data || name == names.stem + std::string(kCacheExtension)) {
+    return true;
+  }
   for (std::string_view companion : kDataCompanions) {
     if (name == data + std::string(companion)) return true;
   }

@@ -34,8 +34,9 @@
 // sees half of a replacement; a host opening an application calls it first.
 //
 // The application's files are NAME.rzt, its hook script NAME.rzt.rzx, the
-// data file NAME.rzd with NAME.rzd-wal, -shm and -journal, and the views
-// NAME.V<number> (the extension in any letter case).
+// data file NAME.rzd with NAME.rzd-wal, -shm and -journal, its column cache
+// NAME.rzc, and the views NAME.V<number> (the extension in any letter
+// case).
 //
 // Errors (rz::Error): 70 naming DIR when it cannot be written ("the folder
 // cannot be written") or another program holds it past the wait (folder

@@ -77,12 +77,6 @@ bool WriteAndDeleteProbe(const std::string& file) {
   return written && closed && deleted;
 }
 
-std::string TemporaryNameFor(const std::string& path) {
-  static std::atomic<unsigned> counter{0};
-  return path + ".tmp-" + std::to_string(::getpid()) + "-" +
-         std::to_string(++counter);
-}
-
 // The part of a normalized path after its last "/".
 size_t NameStart(std::string_view normalized) {
   const size_t slash = normalized.rfind('/');
@@ -100,6 +94,12 @@ size_t ExtensionStart(std::string_view normalized) {
 }
 
 }  // namespace
+
+std::string TemporaryNameFor(const std::string& path, std::string_view tag) {
+  static std::atomic<unsigned> counter{0};
+  return path + std::string(tag) + "-" + std::to_string(::getpid()) + "-" +
+         std::to_string(++counter);
+}
 
 std::string NormalizePath(std::string_view path) {
   std::string normalized(path);

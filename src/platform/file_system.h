@@ -60,6 +60,13 @@ std::string ReadBinaryFile(std::string_view path);
 // Atomic as WriteBinaryFileAtomically.
 void WriteTextFileAtomically(std::string_view path, std::string_view utf8_text);
 
+// A name beside `path` no other writer in this or another process uses:
+// path + tag + "-<pid>-<n>". Recovery of an application removes a
+// ".tmp" one of one of its files once process <pid> has ended
+// (application_replace.h).
+std::string TemporaryNameFor(const std::string& path,
+                             std::string_view tag = ".tmp");
+
 // Replaces the file at `path` (or creates it) with `bytes`: writes them to
 // path + ".tmp-<pid>-<n>" in the same folder, flushes them to the disk and
 // renames that over the target, so a reader sees the old or the new file,

@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "appfile/sqlite_data_store.h"
 #include "components/appfile/application_test_fixture.h"
 #include "core/error.h"
 #include "platform/application_replace.h"
@@ -33,7 +34,8 @@ namespace fs = std::filesystem;
 
 TEST_F(ApplicationFileTest, AnExportReadsBackWhole) {
   Export("line4.rzt");
-  EXPECT_EQ(FolderNames(), (std::set<std::string>{"line4.rzt", "line4.rzd"}));
+  EXPECT_EQ(FolderNames(),
+            (std::set<std::string>{"line4.rzt", "line4.rzd", "line4.rzc"}));
 
   ApplicationFile expected;
   SetExportHeader(expected);
@@ -263,9 +265,12 @@ TEST_F(ApplicationFileTest, DestroyingAHalfWrittenApplicationLeavesNothing) {
     WriteRecords(file, Records());
     file.AddRecord();
     EXPECT_EQ(ErrorNumber([&] { file.SetValue(3, "not a number"); }), 13);
-    // Only the temporary data file (and its journal) exist so far.
+    // Only the temporary data file (and its journal) and the column
+    // cache's spool exist so far.
     for (const std::string& name : FolderNames()) {
-      EXPECT_EQ(name.rfind("line4.rzd.tmp-", 0), 0u) << name;
+      EXPECT_TRUE(name.starts_with("line4.rzd.tmp-") ||
+                  name.starts_with("line4.rzc.tmp-"))
+          << name;
     }
   }
   EXPECT_TRUE(FolderNames().empty());
@@ -284,7 +289,8 @@ TEST_F(ApplicationFileTest, AFailedWriteLeavesTheExistingApplication) {
     file.AddRecord();
     EXPECT_NE(ErrorNumber([&] { file.SetValue(3, "x"); }), 0);
   }
-  EXPECT_EQ(FolderNames(), (std::set<std::string>{"line4.rzt", "line4.rzd"}));
+  EXPECT_EQ(FolderNames(),
+            (std::set<std::string>{"line4.rzt", "line4.rzd", "line4.rzc"}));
   EXPECT_EQ(ReadBinaryFile(Path("line4.rzt")), template_bytes);
   EXPECT_EQ(ReadBinaryFile(Path("line4.rzd")), data_bytes);
 }
@@ -318,6 +324,11 @@ TEST_F(ApplicationFileTest, ANewApplicationOverAnOldOneIsSwitchedAsAWhole) {
     EXPECT_EQ(file->RecordCount(),
               c.new_one ? 1 : static_cast<int32_t>(Records().size()));
     EXPECT_EQ(FileExists(Path("line4.V1")), !c.new_one);
+    // The column cache beside the data file is that application's own.
+    auto store = SqliteDataStore::Open(Path("line4.rzd"),
+                                       {false, false, true, false, true});
+    EXPECT_TRUE(store->UsesCache());
+    EXPECT_EQ(store->RecordsRead(), 0);
     for (const std::string& name : FolderNames()) {
       for (const char* tag : {".tmp-", ".old-", ".new-"}) {
         EXPECT_EQ(name.find(tag), std::string::npos) << name;

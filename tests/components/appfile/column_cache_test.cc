@@ -5,6 +5,8 @@
 // of the data file gives; a cache that does not belong to the data file as
 // it is now is never used.
 
+#include "appfile/column_cache.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,9 +18,11 @@
 #include <string>
 #include <vector>
 
-#include "appfile/column_cache.h"
+#include "appfile/column_cache_builder.h"
+#include "appfile/data_file_stamp.h"
 #include "appfile/sqlite_data_store.h"
 #include "components/appfile/data_file_helpers.h"
+#include "core/error.h"
 #include "support/temp_folder.h"
 
 namespace rz {
@@ -139,7 +143,8 @@ TEST_F(ColumnCacheTest, RecordsAppendedSinceTheCacheAreReadFromTheDataFile) {
   EXPECT_EQ(store->Value(8, 4), Variant("later"));  // read before
   EXPECT_EQ(store->Value(8, 5), Variant(9.0));      // read now
   EXPECT_EQ(store->Value(3, 5), Variant(0.0));
-  EXPECT_EQ(Contents(*store), Contents(*SqliteDataStore::Open(path_, kNumeric)));
+  EXPECT_EQ(Contents(*store),
+            Contents(*SqliteDataStore::Open(path_, kNumeric)));
 }
 
 // The header of five variables takes 20 + 1 + 3 * 16 + 1 words; the
@@ -244,9 +249,10 @@ TEST_F(ColumnCacheTest, AReaderKeepsTheCacheItOpenedWhenAnotherMakesANewOne) {
 }
 
 TEST_F(ColumnCacheTest, FileWithoutMetaUsesTheCacheOnlyWhileUnchanged) {
-  ExecSql(path_,
-          "DROP TABLE meta; DROP TRIGGER records_updated; "
-          "DROP TRIGGER records_deleted; DROP TRIGGER records_inserted_between");
+  ExecSql(
+      path_,
+      "DROP TABLE meta; DROP TRIGGER records_updated; "
+      "DROP TRIGGER records_deleted; DROP TRIGGER records_inserted_between");
   Open();  // the file changed: read whole, cache made again
   EXPECT_TRUE(Open()->UsesCache());
   ExecSql(path_, "INSERT INTO records(v1, v2, v3) VALUES('2024-03-05', '', 1)");
@@ -259,6 +265,113 @@ TEST(ColumnCachePathTest, SitsBesideTheDataFile) {
   EXPECT_EQ(ColumnCache::PathFor("/a/line4.rzd"), "/a/line4.rzc");
   EXPECT_EQ(ColumnCache::PathFor("/a/data.db"), "/a/data.db.rzc");
   EXPECT_EQ(ColumnCache::PathFor(".rzd"), ".rzd.rzc");
+}
+
+// --- The cache made while the records are written ---
+
+struct BuiltCase {
+  const char* what;
+  std::vector<bool> numeric;
+  std::vector<Row> rows;  // a row holding "refuse" in a numeric cell fails
+};
+
+std::vector<Row> NumberedRows(size_t count, size_t text_length) {
+  std::vector<Row> rows;
+  for (size_t i = 0; i < count; ++i) {
+    rows.push_back({"2024-03-01", "08:00:" + std::to_string(10 + i % 50),
+                    i % 7 == 0 ? Variant::Null() : Variant(0.5 * i),
+                    std::string(text_length + i % 3, 'a' + i % 26),
+                    Variant(static_cast<double>(i))});
+  }
+  return rows;
+}
+
+// Writes the case's data file with a builder beside it; returns what
+// Finish said.
+bool WriteWithBuilder(const std::string& data, const std::string& cache,
+                      const BuiltCase& c) {
+  ColumnCacheBuilder builder(cache + ".spool", c.numeric);
+  std::unique_ptr<DataWriter> writer =
+      DataWriter::Create(data, c.numeric, &builder);
+  for (const Row& row : c.rows) {
+    try {
+      writer->Append(row);
+    } catch (const Error&) {
+      // refused: neither the data file nor the cache holds the record
+    }
+  }
+  writer->Commit();
+  return builder.Finish(cache, TakeDataFileStamp(data), data);
+}
+
+TEST(ColumnCacheBuilderTest, MakesTheCacheAReadOfTheDataFileMakes) {
+  const double nan = std::nan("");
+  const BuiltCase cases[] = {
+      {"the sample records", kNumeric, SampleRows()},
+      {"one record", kNumeric, {SampleRows()[0]}},
+      {"64 records: whole null words", kNumeric, NumberedRows(64, 3)},
+      {"65 records", kNumeric, NumberedRows(65, 3)},
+      {"texts longer than a buffer", kNumeric, NumberedRows(70, 9000)},
+      {"many records", kNumeric, NumberedRows(20000, 5)},
+      {"NaN, negative zero and numbers as text",
+       kNumeric,
+       {{"2024-03-01", "08:00:00", nan, "a", -0.0},
+        {"2024-03-01", "08:00:01", " 12.5 ", "b", "  "},
+        {"2024-03-01", "08:00:02", 1e308, "c", 3}}},
+      {"a text with a NUL byte",
+       kNumeric,
+       {{"2024-03-01", "08:00:00", 1.0, std::string("a\0b", 3), 2.0}}},
+      {"a refused record in between",
+       kNumeric,
+       {SampleRows()[0],
+        {"2024-03-01", "08:00:01", "refuse", "x", 1.0},
+        SampleRows()[1]}},
+      {"numeric date and time variables",
+       {true, true, false},
+       {{20240301, 800, "x"}, {Variant::Null(), 801, "y"}}},
+  };
+  for (const BuiltCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    TempFolder folder;
+    const std::string data = folder.File("line4.rzd");
+    const std::string cache = folder.File("line4.rzc");
+    ASSERT_TRUE(WriteWithBuilder(data, cache, c));
+    const std::string built = ReadBytes(cache);
+    EXPECT_FALSE(fs::exists(cache + ".spool"));
+    {
+      auto store = SqliteDataStore::Open(data, c.numeric);
+      EXPECT_TRUE(store->UsesCache());
+      EXPECT_EQ(store->RecordsRead(), 0);
+    }
+    fs::remove(cache);
+    SqliteDataStore::Open(data, c.numeric);  // reads the data file
+    EXPECT_EQ(ReadBytes(cache), built);
+  }
+}
+
+TEST(ColumnCacheBuilderTest, GivesUpQuietlyWhenItCannotSpoolOrEndTheLast) {
+  TempFolder folder;
+  const std::string data = folder.File("line4.rzd");
+  const std::string cache = folder.File("line4.rzc");
+  {
+    ColumnCacheBuilder builder(folder.File("no/such/folder/spool"), kNumeric);
+    EXPECT_FALSE(builder.Usable());
+    std::unique_ptr<DataWriter> writer =
+        DataWriter::Create(data, kNumeric, &builder);
+    writer->Append(SampleRows()[0]);
+    writer->Commit();
+    EXPECT_FALSE(builder.Finish(cache, TakeDataFileStamp(data), data));
+  }
+  fs::remove(data);
+  // The last record was refused: the last stored record's cells are not
+  // known any more, so no cache is written (the first reader makes it).
+  const BuiltCase refused_last = {
+      "",
+      kNumeric,
+      {SampleRows()[0], {"2024-03-01", "08:00:01", "refuse", "x", 1.0}}};
+  EXPECT_FALSE(WriteWithBuilder(data, cache, refused_last));
+  EXPECT_FALSE(fs::exists(cache));
+  EXPECT_FALSE(fs::exists(cache + ".spool"));
 }
 
 }  // namespace

@@ -1,0 +1,204 @@
+// Copyright 2026 The Veltmark authors.
+
+#include "appfile/column_cache_builder.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace rz {
+namespace {
+
+constexpr int kPartsPerVariable = 3;  // null words, values, text arena
+constexpr size_t kAllBuffers = size_t{8} << 20;
+constexpr size_t kLargestBuffer = size_t{64} << 10;
+constexpr size_t kSmallestBuffer = size_t{4} << 10;
+
+size_t NullsSection(size_t index) { return 1 + kPartsPerVariable * index; }
+size_t ValuesSection(size_t index) { return NullsSection(index) + 1; }
+size_t ArenaSection(size_t index) { return NullsSection(index) + 2; }
+
+}  // namespace
+
+ColumnCacheBuilder::ColumnCacheBuilder(std::string spool_path,
+                                       std::vector<bool> numeric)
+    : spool_path_(std::move(spool_path)),
+      numeric_(std::move(numeric)),
+      cells_(numeric_.size()),
+      sections_(1 + kPartsPerVariable * numeric_.size()),
+      states_(numeric_.size()) {
+  buffer_limit_ = std::clamp(kAllBuffers / sections_.size(), kSmallestBuffer,
+                             kLargestBuffer);
+  spool_fd_ =
+      open(spool_path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+}
+
+ColumnCacheBuilder::~ColumnCacheBuilder() { GiveUp(); }
+
+void ColumnCacheBuilder::SetNull(int variable) {
+  Cell& cell = cells_[static_cast<size_t>(variable - 1)];
+  cell.is_null = true;
+  cell.text.clear();
+  cells_pending_ = true;
+}
+
+void ColumnCacheBuilder::SetNumber(int variable, double number) {
+  // The data file keeps no NaN (SQLite stores it as NULL) and no negative
+  // zero (a whole number goes to the disk as an integer).
+  if (std::isnan(number)) return SetNull(variable);
+  Cell& cell = cells_[static_cast<size_t>(variable - 1)];
+  cell.is_null = false;
+  cell.number = number == 0 ? 0.0 : number;
+  cells_pending_ = true;
+}
+
+void ColumnCacheBuilder::SetText(int variable, std::string_view text) {
+  Cell& cell = cells_[static_cast<size_t>(variable - 1)];
+  cell.is_null = false;
+  cell.text.assign(text);
+  cells_pending_ = true;
+}
+
+void ColumnCacheBuilder::EndRecord() {
+  cells_pending_ = false;
+  if (!Usable()) return;
+  const uint64_t bit = records_ % 64;
+  for (size_t k = 0; k < numeric_.size(); ++k) {
+    const Cell& cell = cells_[k];
+    ColumnState& state = states_[k];
+    if (cell.is_null) state.null_word |= uint64_t{1} << bit;
+    if (numeric_[k]) {
+      const double number = cell.is_null ? 0.0 : cell.number;
+      Put(ValuesSection(k), &number, sizeof number);
+    } else {
+      if (!cell.is_null) {
+        Put(ArenaSection(k), cell.text.data(), cell.text.size());
+        state.text_end += cell.text.size();
+      }
+      Put(ValuesSection(k), &state.text_end, sizeof state.text_end);
+    }
+    if (bit == 63) {
+      Put(NullsSection(k), &state.null_word, sizeof state.null_word);
+      state.null_word = 0;
+    }
+  }
+  const double date_time = RecordDateTimeOfCells();
+  Put(0, &date_time, sizeof date_time);
+  ++records_;
+}
+
+double ColumnCacheBuilder::RecordDateTimeOfCells() const {
+  // As RecordColumns works it out: from the texts of variables 1 and 2
+  // (a null cell is empty text), none when either is numeric.
+  if (numeric_.size() < 2 || numeric_[0] || numeric_[1]) {
+    return std::numeric_limits<double>::quiet_NaN();
+  }
+  return RecordDateTime(cells_[0].text, cells_[1].text);
+}
+
+void ColumnCacheBuilder::Put(size_t index, const void* data, size_t bytes) {
+  Section& section = sections_[index];
+  section.buffer.append(static_cast<const char*>(data), bytes);
+  section.bytes += bytes;
+  if (section.buffer.size() >= buffer_limit_) Spool(section);
+}
+
+void ColumnCacheBuilder::Spool(Section& section) {
+  if (!Usable() || section.buffer.empty()) return;
+  if (!WriteAllAt(spool_fd_, section.buffer.data(), section.buffer.size(),
+                  spool_bytes_)) {
+    GiveUp();
+    return;
+  }
+  section.checksum.Add(section.buffer.data(), section.buffer.size());
+  section.chunks.emplace_back(spool_bytes_, section.buffer.size());
+  spool_bytes_ += section.buffer.size();
+  section.buffer.clear();
+}
+
+void ColumnCacheBuilder::GiveUp() {
+  if (spool_fd_ < 0) return;
+  close(spool_fd_);
+  unlink(spool_path_.c_str());
+  spool_fd_ = -1;
+  for (Section& section : sections_) {
+    section.buffer = std::string();
+    section.chunks.clear();
+  }
+}
+
+bool ColumnCacheBuilder::Finish(const std::string& path,
+                                const DataFileStamp& stamp,
+                                const std::string& data_path) {
+  // A record set but not ended (its insert failed) leaves the last stored
+  // record's cells unknown, and with them the cache's fingerprint.
+  if (!Usable() || records_ == 0 || cells_pending_) {
+    GiveUp();
+    return false;
+  }
+  if (records_ % 64 != 0) {
+    for (size_t k = 0; k < numeric_.size(); ++k) {
+      Put(NullsSection(k), &states_[k].null_word, sizeof(uint64_t));
+    }
+  }
+  for (Section& section : sections_) Spool(section);
+  if (!Usable()) return false;
+
+  RecordFingerprinter last;
+  for (size_t k = 0; k < numeric_.size(); ++k) {
+    const Cell& cell = cells_[k];
+    if (cell.is_null) {
+      last.AddNull();
+    } else if (numeric_[k]) {
+      last.AddNumber(cell.number);
+    } else {
+      last.AddText(cell.text);
+    }
+  }
+  std::vector<ColumnCache::SectionSource> sources;
+  for (const Section& section : sections_) {
+    sources.push_back({section.bytes, section.checksum.Value(),
+                       [this, &section](int fd, uint64_t offset) {
+                         return CopySection(section, fd, offset);
+                       }});
+  }
+  const ColumnCache::Origin origin{stamp, 0, last.Value()};
+  const bool written = ColumnCache::WriteSections(
+      path, numeric_, records_, static_cast<int64_t>(records_), origin,
+      data_path, sources);
+  GiveUp();  // the spool is no longer needed
+  return written;
+}
+
+bool ColumnCacheBuilder::CopySection(const Section& section, int fd,
+                                     uint64_t offset) const {
+  std::string block;
+  for (const auto& [from, bytes] : section.chunks) {
+    off64_t in = static_cast<off64_t>(from);
+    off64_t out = static_cast<off64_t>(offset);
+    size_t left = bytes;
+    while (left > 0) {
+      const ssize_t copied = copy_file_range(spool_fd_, &in, fd, &out, left, 0);
+      if (copied < 0 && errno == EINTR) continue;
+      if (copied <= 0) break;  // not offered here: copy by hand below
+      left -= static_cast<size_t>(copied);
+    }
+    if (left > 0) {
+      block.resize(left);
+      if (pread(spool_fd_, block.data(), left, in) !=
+              static_cast<ssize_t>(left) ||
+          !WriteAllAt(fd, block.data(), left, static_cast<uint64_t>(out))) {
+        return false;
+      }
+    }
+    offset += bytes;
+  }
+  return true;
+}
+
+}  // namespace rz
