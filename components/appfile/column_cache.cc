@@ -24,20 +24,21 @@ static_assert(sizeof(size_t) == sizeof(uint64_t),
 // byte-order word tells a file from a machine of the other order.
 constexpr uint64_t kMagic = 0x31534C4F435A5200;  // "\0RZCOLS1" read LE
 constexpr uint64_t kByteOrder = 0x0102030405060708;
-constexpr uint64_t kVersion = 1;
+constexpr uint64_t kVersion = 2;
 constexpr uint64_t kMaxVariables = 32767;
 constexpr size_t kFixedWords = 20;  // with the fingerprint and a spare
 constexpr uint64_t kHasGeneration = 1;
 constexpr int kPartsPerVariable = 3;
+// The kinds of a cell in the edge section.
+constexpr uint64_t kNullCell = 0;
+constexpr uint64_t kNumberCell = 1;
+constexpr uint64_t kTextCell = 2;
 
 size_t FlagWords(size_t variables) { return (variables + 7) / 8; }
 
-size_t SectionCount(size_t variables) {
-  return 1 + kPartsPerVariable * variables;
-}
-
 size_t HeaderWords(size_t variables) {
-  return kFixedWords + FlagWords(variables) + 3 * SectionCount(variables) + 1;
+  return kFixedWords + FlagWords(variables) +
+         3 * ColumnCache::SectionCount(variables) + 1;
 }
 
 size_t NullWordCount(size_t records) { return (records + 63) / 64; }
@@ -92,6 +93,23 @@ void PrefaultPages(const char* data, size_t bytes) {
   (void)data;
   (void)bytes;
 #endif
+}
+
+// The cells of record `index` (0-based) as `columns` hold them.
+std::vector<CachedCell> CellsOf(const RecordColumns& columns, size_t index) {
+  std::vector<CachedCell> cells(static_cast<size_t>(columns.VariableCount()));
+  for (int k = 1; k <= columns.VariableCount(); ++k) {
+    const RecordColumn& column = columns.Column(k);
+    CachedCell& cell = cells[static_cast<size_t>(k - 1)];
+    cell.is_null = column.IsNull(index);
+    if (cell.is_null) continue;
+    if (column.Numeric()) {
+      cell.number = column.Number(index);
+    } else {
+      cell.text = std::string(column.Text(index));
+    }
+  }
+  return cells;
 }
 
 }  // namespace
@@ -177,6 +195,46 @@ bool WriteAllAt(int fd, const void* data, size_t bytes, uint64_t offset) {
   return true;
 }
 
+size_t ColumnCache::SectionCount(size_t variables) {
+  return 2 + kPartsPerVariable * variables;
+}
+
+size_t ColumnCache::SectionIndex(int variable, int part) {
+  return 2 + kPartsPerVariable * static_cast<size_t>(variable - 1) +
+         static_cast<size_t>(part);
+}
+
+std::string ColumnCache::EdgeSectionBytes(const std::vector<bool>& numeric,
+                                          const std::vector<CachedCell>& first,
+                                          const std::vector<CachedCell>& last) {
+  // Per cell a word for its kind, a word for its number's bits or its
+  // text's length, then the text padded to a whole word.
+  std::string bytes;
+  auto put_word = [&bytes](uint64_t word) {
+    bytes.append(reinterpret_cast<const char*>(&word), sizeof word);
+  };
+  for (const std::vector<CachedCell>* record : {&first, &last}) {
+    for (size_t k = 0; k < numeric.size(); ++k) {
+      const CachedCell& cell = (*record)[k];
+      if (cell.is_null) {
+        put_word(kNullCell);
+        put_word(0);
+      } else if (numeric[k]) {
+        uint64_t bits;
+        std::memcpy(&bits, &cell.number, sizeof bits);
+        put_word(kNumberCell);
+        put_word(bits);
+      } else {
+        put_word(kTextCell);
+        put_word(cell.text.size());
+        bytes += cell.text;
+        bytes.resize(RoundUp8(bytes.size()), '\0');
+      }
+    }
+  }
+  return bytes;
+}
+
 std::string ColumnCache::PathFor(const std::string& data_path) {
   constexpr std::string_view kDataExtension = ".rzd";
   if (data_path.size() > kDataExtension.size() &&
@@ -190,6 +248,14 @@ std::string ColumnCache::PathFor(const std::string& data_path) {
 bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
                         const Origin& origin, const std::string& data_path) {
   const size_t records = columns.RecordCount();
+  std::vector<bool> numeric;
+  for (int k = 1; k <= columns.VariableCount(); ++k) {
+    numeric.push_back(columns.Column(k).Numeric());
+  }
+  const std::string edges =
+      records == 0 ? std::string()
+                   : EdgeSectionBytes(numeric, CellsOf(columns, 0),
+                                      CellsOf(columns, records - 1));
   std::vector<SectionSource> sections;
   auto add = [&sections](const void* data, size_t bytes) {
     sections.push_back({bytes, CacheChecksum(data, bytes),
@@ -197,11 +263,10 @@ bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
                           return WriteAllAt(fd, data, bytes, offset);
                         }});
   };
-  std::vector<bool> numeric;
   add(columns.DateTimes().data(), records * sizeof(double));
+  add(edges.data(), edges.size());
   for (int k = 1; k <= columns.VariableCount(); ++k) {
     const RecordColumn& column = columns.Column(k);
-    numeric.push_back(column.Numeric());
     add(column.Nulls().Words(), NullWordCount(records) * sizeof(uint64_t));
     if (column.Numeric()) {
       add(column.Numbers(), records * sizeof(double));
@@ -331,7 +396,7 @@ bool ColumnCache::ReadHeader() {
     }
   }
   return record_count_ < (uint64_t{1} << 40) &&
-         sections_[0].bytes == record_count_ * sizeof(double);
+         sections_[kDateTimeSection].bytes == record_count_ * sizeof(double);
 }
 
 const char* ColumnCache::SectionData(const Section& section) const {
@@ -350,15 +415,57 @@ ColumnBuffer<T> ColumnCache::Borrow(const Section& section,
 
 const ColumnCache::Section& ColumnCache::SectionOf(int variable,
                                                    int part) const {
-  return sections_[1 + kPartsPerVariable * static_cast<size_t>(variable - 1) +
-                   static_cast<size_t>(part)];
+  return sections_[SectionIndex(variable, part)];
+}
+
+const std::vector<CachedCell>* ColumnCache::EdgeRecord(bool last) const {
+  if (!edges_read_) {
+    edges_read_ = true;
+    edges_usable_ = ReadEdgeRecords();
+  }
+  return edges_usable_ ? &edges_[last ? 1 : 0] : nullptr;
+}
+
+bool ColumnCache::ReadEdgeRecords() const {
+  const Section& section = sections_[kEdgeSection];
+  const char* data = record_count_ == 0 ? nullptr : SectionData(section);
+  if (data == nullptr) return false;
+  uint64_t at = 0;
+  auto get_word = [&](uint64_t* word) {
+    if (at > section.bytes || section.bytes - at < sizeof *word) return false;
+    std::memcpy(word, data + at, sizeof *word);
+    at += sizeof *word;
+    return true;
+  };
+  for (std::vector<CachedCell>& record : edges_) {
+    record.assign(numeric_.size(), CachedCell());
+    for (size_t k = 0; k < numeric_.size(); ++k) {
+      CachedCell& cell = record[k];
+      uint64_t kind = 0;
+      uint64_t payload = 0;
+      if (!get_word(&kind) || !get_word(&payload)) return false;
+      if (kind == kNullCell) continue;
+      cell.is_null = false;
+      if (kind == kNumberCell && numeric_[k]) {
+        std::memcpy(&cell.number, &payload, sizeof payload);
+      } else if (kind == kTextCell && !numeric_[k] &&
+                 payload <= section.bytes - at) {
+        cell.text.assign(data + at, payload);
+        at += RoundUp8(payload);
+      } else {
+        return false;
+      }
+    }
+  }
+  return at == section.bytes;
 }
 
 std::optional<ColumnBuffer<double>> ColumnCache::ReadDateTimes() const {
-  if (sections_[0].bytes != record_count_ * sizeof(double)) return std::nullopt;
-  const char* data = SectionData(sections_[0]);
+  const Section& section = sections_[kDateTimeSection];
+  if (section.bytes != record_count_ * sizeof(double)) return std::nullopt;
+  const char* data = SectionData(section);
   if (data == nullptr) return std::nullopt;
-  return Borrow<double>(sections_[0], data);
+  return Borrow<double>(section, data);
 }
 
 std::optional<RecordColumn> ColumnCache::ReadColumn(int variable) const {

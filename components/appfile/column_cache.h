@@ -41,6 +41,15 @@
 
 namespace rz {
 
+// A cell of a record as the cache keeps it apart from the columns (the
+// first and the last record: see ColumnCache::EdgeRecord).
+struct CachedCell {
+  bool is_null = true;
+  double number = 0;  // numeric variables
+  std::string text;   // text variables
+  bool operator==(const CachedCell&) const = default;
+};
+
 class ColumnCache {
  public:
   // What a cache records about the data file it was made from.
@@ -64,6 +73,20 @@ class ColumnCache {
   static bool Write(const std::string& path, const RecordColumns& columns,
                     const Origin& origin, const std::string& data_path);
 
+  // Where each section sits in the list WriteSections takes: the
+  // date-times, the first and last records' cells, then three per
+  // variable (its null words, its numbers or text ends, its text arena).
+  static constexpr size_t kDateTimeSection = 0;
+  static constexpr size_t kEdgeSection = 1;
+  static size_t SectionCount(size_t variables);
+  // REQUIRES: 1 <= variable; 0 <= part < 3.
+  static size_t SectionIndex(int variable, int part);
+  // The bytes of the edge section for the cells of the first and the last
+  // record of variables with the numeric flags `numeric`.
+  static std::string EdgeSectionBytes(const std::vector<bool>& numeric,
+                                      const std::vector<CachedCell>& first,
+                                      const std::vector<CachedCell>& last);
+
   // One section of a cache being written: its length, its checksum and
   // what writes its bytes into the file `fd` at `offset` (false when it
   // could not).
@@ -74,8 +97,7 @@ class ColumnCache {
   };
   // Writes a cache of `records` records (the last numbered
   // `last_record_number`) from `sections` in the order the file holds
-  // them: the date-times, then per variable its null words, its numbers
-  // or text ends and its text arena. The rest as Write.
+  // them (SectionIndex). The rest as Write.
   static bool WriteSections(const std::string& path,
                             const std::vector<bool>& numeric, size_t records,
                             int64_t last_record_number, const Origin& origin,
@@ -95,6 +117,11 @@ class ColumnCache {
   int64_t LastRecordNumber() const { return last_record_number_; }
 
   std::optional<ColumnBuffer<double>> ReadDateTimes() const;
+  // The cells of the first (`last` false) or the last record the cache
+  // holds, kept apart so that a view's record bounds (the date and time of
+  // those two records) do not read whole columns; nullptr when their
+  // section fails its checks.
+  const std::vector<CachedCell>* EdgeRecord(bool last) const;
   // REQUIRES: 1 <= variable <= the number of variables.
   std::optional<RecordColumn> ReadColumn(int variable) const;
 
@@ -113,6 +140,7 @@ class ColumnCache {
   template <typename T>
   ColumnBuffer<T> Borrow(const Section& section, const char* data) const;
   const Section& SectionOf(int variable, int part) const;
+  bool ReadEdgeRecords() const;
 
   std::shared_ptr<const void> mapping_;  // the whole file, read-only
   uint64_t file_size_ = 0;
@@ -120,9 +148,11 @@ class ColumnCache {
   Origin origin_;
   size_t record_count_ = 0;
   int64_t last_record_number_ = 0;
-  // The date-times, then three per variable: null words, numbers or text
-  // ends, text arena (empty for a numeric variable).
-  std::vector<Section> sections_;
+  std::vector<Section> sections_;  // as SectionIndex orders them
+  // The edge records, read on first use.
+  mutable bool edges_read_ = false;
+  mutable bool edges_usable_ = false;
+  mutable std::vector<CachedCell> edges_[2];
 };
 
 // The checksum of a section: 64-bit, over its bytes and its length.

@@ -14,12 +14,14 @@
 namespace rz {
 namespace {
 
-constexpr int kPartsPerVariable = 3;  // null words, values, text arena
 constexpr size_t kAllBuffers = size_t{8} << 20;
 constexpr size_t kLargestBuffer = size_t{64} << 10;
 constexpr size_t kSmallestBuffer = size_t{4} << 10;
 
-size_t NullsSection(size_t index) { return 1 + kPartsPerVariable * index; }
+// The sections of the variable with 0-based index `index`.
+size_t NullsSection(size_t index) {
+  return ColumnCache::SectionIndex(static_cast<int>(index + 1), 0);
+}
 size_t ValuesSection(size_t index) { return NullsSection(index) + 1; }
 size_t ArenaSection(size_t index) { return NullsSection(index) + 2; }
 
@@ -30,7 +32,7 @@ ColumnCacheBuilder::ColumnCacheBuilder(std::string spool_path,
     : spool_path_(std::move(spool_path)),
       numeric_(std::move(numeric)),
       cells_(numeric_.size()),
-      sections_(1 + kPartsPerVariable * numeric_.size()),
+      sections_(ColumnCache::SectionCount(numeric_.size())),
       states_(numeric_.size()) {
   buffer_limit_ = std::clamp(kAllBuffers / sections_.size(), kSmallestBuffer,
                              kLargestBuffer);
@@ -41,7 +43,7 @@ ColumnCacheBuilder::ColumnCacheBuilder(std::string spool_path,
 ColumnCacheBuilder::~ColumnCacheBuilder() { GiveUp(); }
 
 void ColumnCacheBuilder::SetNull(int variable) {
-  Cell& cell = cells_[static_cast<size_t>(variable - 1)];
+  CachedCell& cell = cells_[static_cast<size_t>(variable - 1)];
   cell.is_null = true;
   cell.text.clear();
   cells_pending_ = true;
@@ -51,14 +53,14 @@ void ColumnCacheBuilder::SetNumber(int variable, double number) {
   // The data file keeps no NaN (SQLite stores it as NULL) and no negative
   // zero (a whole number goes to the disk as an integer).
   if (std::isnan(number)) return SetNull(variable);
-  Cell& cell = cells_[static_cast<size_t>(variable - 1)];
+  CachedCell& cell = cells_[static_cast<size_t>(variable - 1)];
   cell.is_null = false;
   cell.number = number == 0 ? 0.0 : number;
   cells_pending_ = true;
 }
 
 void ColumnCacheBuilder::SetText(int variable, std::string_view text) {
-  Cell& cell = cells_[static_cast<size_t>(variable - 1)];
+  CachedCell& cell = cells_[static_cast<size_t>(variable - 1)];
   cell.is_null = false;
   cell.text.assign(text);
   cells_pending_ = true;
@@ -69,7 +71,7 @@ void ColumnCacheBuilder::EndRecord() {
   if (!Usable()) return;
   const uint64_t bit = records_ % 64;
   for (size_t k = 0; k < numeric_.size(); ++k) {
-    const Cell& cell = cells_[k];
+    const CachedCell& cell = cells_[k];
     ColumnState& state = states_[k];
     if (cell.is_null) state.null_word |= uint64_t{1} << bit;
     if (numeric_[k]) {
@@ -88,7 +90,8 @@ void ColumnCacheBuilder::EndRecord() {
     }
   }
   const double date_time = RecordDateTimeOfCells();
-  Put(0, &date_time, sizeof date_time);
+  Put(ColumnCache::kDateTimeSection, &date_time, sizeof date_time);
+  if (records_ == 0) first_cells_ = cells_;
   ++records_;
 }
 
@@ -151,7 +154,7 @@ bool ColumnCacheBuilder::Finish(const std::string& path,
 
   RecordFingerprinter last;
   for (size_t k = 0; k < numeric_.size(); ++k) {
-    const Cell& cell = cells_[k];
+    const CachedCell& cell = cells_[k];
     if (cell.is_null) {
       last.AddNull();
     } else if (numeric_[k]) {
@@ -160,6 +163,8 @@ bool ColumnCacheBuilder::Finish(const std::string& path,
       last.AddText(cell.text);
     }
   }
+  const std::string edges =
+      ColumnCache::EdgeSectionBytes(numeric_, first_cells_, cells_);
   std::vector<ColumnCache::SectionSource> sources;
   for (const Section& section : sections_) {
     sources.push_back({section.bytes, section.checksum.Value(),
@@ -167,6 +172,11 @@ bool ColumnCacheBuilder::Finish(const std::string& path,
                          return CopySection(section, fd, offset);
                        }});
   }
+  sources[ColumnCache::kEdgeSection] = {
+      edges.size(), CacheChecksum(edges.data(), edges.size()),
+      [&edges](int fd, uint64_t offset) {
+        return WriteAllAt(fd, edges.data(), edges.size(), offset);
+      }};
   const ColumnCache::Origin origin{stamp, 0, last.Value()};
   const bool written = ColumnCache::WriteSections(
       path, numeric_, records_, static_cast<int64_t>(records_), origin,

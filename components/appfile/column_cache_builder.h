@@ -64,12 +64,6 @@ class ColumnCacheBuilder {
               const std::string& data_path);
 
  private:
-  // One cell of the record being written.
-  struct Cell {
-    bool is_null = true;
-    double number = 0;
-    std::string text;
-  };
   // One section of the cache: its bytes not yet spooled, and where the
   // spooled ones are.
   struct Section {
@@ -95,7 +89,8 @@ class ColumnCacheBuilder {
   int spool_fd_ = -1;
   uint64_t spool_bytes_ = 0;
   size_t buffer_limit_ = 0;
-  std::vector<Cell> cells_;
+  std::vector<CachedCell> cells_;        // the record being written
+  std::vector<CachedCell> first_cells_;  // the first record's
   std::vector<Section> sections_;
   std::vector<ColumnState> states_;
   size_t records_ = 0;

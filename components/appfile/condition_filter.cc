@@ -335,8 +335,8 @@ class CompiledFilter : public ConditionFilter {
       };
       switch (bound->op) {
         case Operator::kGreaterEqual:
-          *begin = std::max(*begin,
-                            first_where([&](double t) { return t >= literal; }));
+          *begin = std::max(
+              *begin, first_where([&](double t) { return t >= literal; }));
           break;
         case Operator::kGreater:
           *begin = std::max(*begin,

@@ -91,7 +91,6 @@ bool ReadNumericText(sqlite3_stmt* statement, int column, double* value) {
 
 }  // namespace
 
-
 double RecordDateTime(std::string_view date, std::string_view time) {
   try {
     return DayNumber(TrimSpaces(date)) + TimeOfDay(TrimSpaces(time));
@@ -201,8 +200,8 @@ const std::vector<int32_t>& RecordColumn::FoldedCodes() const {
     auto found = stored_ids_.find(stored);
     if (found == stored_ids_.end()) {
       const std::string folded = UpperCase(TrimSpaces(stored));
-      const auto [id, added] = folded_ids_.emplace(
-          folded, static_cast<int32_t>(folded_ids_.size()));
+      const auto [id, added] =
+          folded_ids_.emplace(folded, static_cast<int32_t>(folded_ids_.size()));
       if (added) folded_texts_.push_back(folded);
       found = stored_ids_.emplace(std::string(stored), id->second).first;
     }

@@ -218,9 +218,7 @@ class RecordColumn {
   int32_t FoldedCodeOf(std::string_view text) const;
   // The folded (trimmed, upper-cased) text of each code, by code.
   // REQUIRES: FoldedCodes() called since the last append.
-  const std::vector<std::string>& FoldedTexts() const {
-    return folded_texts_;
-  }
+  const std::vector<std::string>& FoldedTexts() const { return folded_texts_; }
 
   // Appends the records of `other`, a column of the same kind.
   void Append(const RecordColumn& other, size_t other_count);

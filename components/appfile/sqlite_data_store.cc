@@ -136,9 +136,9 @@ bool SqliteDataStore::OpenFromCache(const Snapshot& snapshot) {
       static_cast<size_t>(std::numeric_limits<int32_t>::max())) {
     throw Error::BadDataFile(path_, "the data file has too many records");
   }
-  columns_ = std::make_unique<RecordColumns>(
-      numeric_, std::move(*date_times), cache->LastRecordNumber(),
-      static_cast<ColumnLoader*>(this));
+  columns_ = std::make_unique<RecordColumns>(numeric_, std::move(*date_times),
+                                             cache->LastRecordNumber(),
+                                             static_cast<ColumnLoader*>(this));
   columns_->Append(*tail);
   edit_generation_ = origin.edit_generation;
   snapshot_ = snapshot;
@@ -151,7 +151,8 @@ bool SqliteDataStore::OpenFromCache(const Snapshot& snapshot) {
 
 void SqliteDataStore::WriteCache() {
   if (columns_->RecordCount() == 0) return;  // nothing worth caching
-  const uint64_t last = RecordFingerprint(*columns_, columns_->RecordCount() - 1);
+  const uint64_t last =
+      RecordFingerprint(*columns_, columns_->RecordCount() - 1);
   ColumnCache::Write(cache_path_, *columns_,
                      {snapshot_, edit_generation_, last}, path_);
 }
@@ -168,8 +169,8 @@ RecordColumn SqliteDataStore::ReadCachedRecordsAgain(int variable) {
   unlink(cache_path_.c_str());
   std::unique_ptr<SqliteDb> db = Connect();
   db->Exec("BEGIN");
-  const Error changed = Error::BadDataFile(
-      path_, "the data file was changed while it was read");
+  const Error changed =
+      Error::BadDataFile(path_, "the data file was changed while it was read");
   if (ReadEditGeneration(*db) != edit_generation_) throw changed;
   SqliteStatement statement(
       *db, "SELECT " + VariableColumn(variable) +
@@ -303,8 +304,8 @@ bool SqliteDataStore::HoldsLastCachedRecord(SqliteDb& db,
   SqliteStatement statement(db, SelectSql() + " WHERE recno = ?");
   statement.BindInt64(1, cache.LastRecordNumber());
   last.ReadRows(statement);
-  return last.RecordCount() == 1 && RecordFingerprint(last, 0) ==
-                                        cache.origin().last_record_fingerprint;
+  return last.RecordCount() == 1 &&
+         RecordFingerprint(last, 0) == cache.origin().last_record_fingerprint;
 }
 
 void SqliteDataStore::LoadAll(SqliteDb& db, const Snapshot& snapshot) {
@@ -373,9 +374,28 @@ Variant SqliteDataStore::Value(int32_t record, int variable) const {
     const double date_time = DateTime(record);
     return std::isnan(date_time) ? Variant::Null() : Variant::Date(date_time);
   }
+  if (const CachedCell* cell = EdgeCell(record, variable)) {
+    if (cell->is_null) return Variant::Null();
+    if (IsNumeric(variable)) return Variant(cell->number);
+    return Variant(cell->text);
+  }
   if (IsNull(record, variable)) return Variant::Null();
   if (IsNumeric(variable)) return Variant(Number(record, variable));
   return Variant(Text(record, variable));
+}
+
+const CachedCell* SqliteDataStore::EdgeCell(int32_t record,
+                                            int variable) const {
+  // Only a column not read yet: once read, the column answers as fast.
+  if (!cache_ || variable < 1 || variable > VariableCount() ||
+      columns_->IsLoaded(variable)) {
+    return nullptr;
+  }
+  const int32_t held = static_cast<int32_t>(cache_->RecordCount());
+  if (record != 1 && record != held) return nullptr;
+  const std::vector<CachedCell>* cells = cache_->EdgeRecord(record == held);
+  if (cells == nullptr) return nullptr;
+  return &(*cells)[static_cast<size_t>(variable - 1)];
 }
 
 std::vector<Variant> SqliteDataStore::DistinctValues(int variable) const {

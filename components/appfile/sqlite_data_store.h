@@ -20,10 +20,12 @@
 // date-times are read at once, each variable's column when it is first
 // asked for, and the records appended since the cache was made are read
 // from the data file. A data file without `meta` uses a cache only when its
-// stamp has not changed at all. Any other cache is ignored; after reading the whole data file the store
-// writes a new one (a folder that cannot be written means no cache). A
-// column whose cache section turns out damaged is read from the data file
-// instead, and the cache removed so the next open makes it again.
+// stamp has not changed at all. Any other cache is ignored; after reading the
+// whole data file the store writes a new one (a folder that cannot be written
+// means no cache). A column whose cache section turns out damaged is read from
+// the data file instead, and the cache removed so the next open makes it again.
+// Value() of the first or last cached record answers from the cache's copy of
+// those records while their column is not read.
 //
 // Refresh: the size, modification time and identity (device, inode) of the
 // file and of its WAL file are compared with those of the last load; when
@@ -118,6 +120,10 @@ class SqliteDataStore : public DataStore, private ColumnLoader {
   RecordColumn LoadColumn(int variable) override;
   // A column of the records the cache holds, read from the data file.
   RecordColumn ReadCachedRecordsAgain(int variable);
+  // The cell of the first or last record the cache holds when its column
+  // is not read yet (a view's record bounds read only those); nullptr
+  // otherwise.
+  const CachedCell* EdgeCell(int32_t record, int variable) const;
 
   size_t Index(int32_t record) const { return static_cast<size_t>(record - 1); }
 
