@@ -97,7 +97,7 @@ void Candidate(benchmark::State& state, int32_t key) {
   request.settings.shift_hours = 8;
   const rz::StatisticLimits limits = MixedLimits();
   for (auto _ : state) {
-    std::vector<int32_t> selected(static_cast<size_t>(kRecords));
+    rz::RecordList selected(static_cast<size_t>(kRecords));
     std::iota(selected.begin(), selected.end(), 0);
     const rz::SummaryPass pass =
         rz::BuildSummaryPass(columns, std::move(selected), request);

@@ -477,7 +477,7 @@ void ApplicationFile::SortFile() {
   groups.reserve(pass->groups.size());
   for (const SummaryPassGroup& group : pass->groups) {
     const int32_t first =
-        group.begin < group.end ? pass->order[group.begin] + 1 : 0;
+        group.begin < group.end ? pass->Order()[group.begin] + 1 : 0;
     groups.push_back({first});
   }
   pass_ = std::move(pass);
@@ -497,9 +497,9 @@ SummarySettings ApplicationFile::CurrentSummarySettings() const {
   return settings;
 }
 
-std::vector<int32_t> ApplicationFile::SelectRecords() const {
+RecordList ApplicationFile::SelectRecords() const {
   const int32_t count = store_->RecordCount();
-  std::vector<int32_t> selected;
+  RecordList selected;
   if (conditions_.Count() == 0) {
     selected.resize(static_cast<size_t>(count));
     std::iota(selected.begin(), selected.end(), 0);
@@ -590,7 +590,7 @@ void ApplicationFile::RestrictStatistics(int32_t position, int32_t /*extent*/,
   std::vector<int32_t> records;
   if (!column.Numeric()) {
     // Texts compare by their folded codes, worked out once per column.
-    const std::vector<int32_t>& codes = column.FoldedCodes();
+    const RecordList& codes = column.FoldedCodes();
     const int32_t code = column.FoldedCodeOf(wanted);
     if (code >= 0) {
       for (int32_t record : StatisticRecords()) {

@@ -228,7 +228,7 @@ class ApplicationFile final : public AppFile, public ScriptReachable {
   void SaveViews();
   bool IsNumericVariable(int16_t variable) const;
   SummarySettings CurrentSummarySettings() const;
-  std::vector<int32_t> SelectRecords() const;
+  RecordList SelectRecords() const;
   void ForgetPass();
   void ForgetStatistics();
   std::span<const int32_t> StatisticRecords() const;

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstring>
 #include <string_view>
+#include <unordered_map>
 
 #include "platform/file_system.h"
 
@@ -24,7 +25,7 @@ static_assert(sizeof(size_t) == sizeof(uint64_t),
 // byte-order word tells a file from a machine of the other order.
 constexpr uint64_t kMagic = 0x31534C4F435A5200;  // "\0RZCOLS1" read LE
 constexpr uint64_t kByteOrder = 0x0102030405060708;
-constexpr uint64_t kVersion = 2;
+constexpr uint64_t kVersion = 3;
 constexpr uint64_t kMaxVariables = 32767;
 constexpr size_t kFixedWords = 20;  // with the fingerprint and a spare
 constexpr uint64_t kHasGeneration = 1;
@@ -112,7 +113,74 @@ std::vector<CachedCell> CellsOf(const RecordColumns& columns, size_t index) {
   return cells;
 }
 
+// A text column's texts as the cache writes them (ColumnCache::Write).
+struct TextLayout {
+  bool coded = false;
+  std::vector<uint32_t> codes;  // coded: each record's entry
+  std::string entries;          // coded: the entry section
+  std::vector<size_t> ends;     // plain, from a coded column: the ends
+  std::string arena;            // and the texts
+};
+
+// Codes the texts of `column` when ColumnCache::KeepsCoded says so, in the
+// order they first appear (a null cell as the empty text: the builder does
+// the same, so both write the same bytes). A coded column kept plain gets
+// its texts written out.
+TextLayout LayOutTexts(const RecordColumn& column, size_t records) {
+  TextLayout layout;
+  std::unordered_map<std::string_view, uint32_t> ids;
+  std::vector<size_t> entry_ends;
+  std::string entry_arena;
+  layout.codes.reserve(records);
+  for (size_t i = 0; i < records && ids.size() <= ColumnCache::kMaxEntries;
+       ++i) {
+    const std::string_view text = column.Text(i);
+    const auto [found, added] =
+        ids.emplace(text, static_cast<uint32_t>(ids.size()));
+    if (added) {
+      entry_arena += text;
+      entry_ends.push_back(entry_arena.size());
+    }
+    layout.codes.push_back(found->second);
+  }
+  layout.coded = layout.codes.size() == records &&
+                 ColumnCache::KeepsCoded(records, ids.size());
+  if (layout.coded) {
+    layout.entries = ColumnCache::EntrySectionBytes(entry_ends, entry_arena);
+    return layout;
+  }
+  layout.codes = std::vector<uint32_t>();
+  if (column.Coded()) {
+    for (size_t i = 0; i < records; ++i) {
+      layout.arena += column.Text(i);
+      layout.ends.push_back(layout.arena.size());
+    }
+  }
+  return layout;
+}
+
+// Ends that never decrease and stop at `bytes`, the arena's length.
+bool EndsFit(const ColumnBuffer<size_t>& ends, uint64_t bytes) {
+  size_t previous = 0;
+  for (size_t i = 0; i < ends.size(); ++i) {
+    if (ends[i] < previous) return false;
+    previous = ends[i];
+  }
+  return previous == bytes;
+}
+
 }  // namespace
+
+std::string ColumnCache::EntrySectionBytes(const std::vector<size_t>& ends,
+                                           std::string_view arena) {
+  std::string bytes;
+  const uint64_t count = ends.size();
+  bytes.append(reinterpret_cast<const char*>(&count), sizeof count);
+  bytes.append(reinterpret_cast<const char*>(ends.data()),
+               ends.size() * sizeof(size_t));
+  bytes += arena;
+  return bytes;
+}
 
 uint64_t CacheChecksum(const void* data, size_t bytes) {
   CacheChecksummer checksum;
@@ -263,30 +331,48 @@ bool ColumnCache::Write(const std::string& path, const RecordColumns& columns,
                           return WriteAllAt(fd, data, bytes, offset);
                         }});
   };
+  std::vector<Kind> kinds;
+  // The texts of each text column as written; they must live until the
+  // sections are written.
+  std::vector<TextLayout> layouts(numeric.size());
   add(columns.DateTimes().data(), records * sizeof(double));
   add(edges.data(), edges.size());
   for (int k = 1; k <= columns.VariableCount(); ++k) {
     const RecordColumn& column = columns.Column(k);
     add(column.Nulls().Words(), NullWordCount(records) * sizeof(uint64_t));
     if (column.Numeric()) {
+      kinds.push_back(Kind::kNumber);
       add(column.Numbers(), records * sizeof(double));
       add(nullptr, 0);
-    } else {
+      continue;
+    }
+    TextLayout& layout = layouts[static_cast<size_t>(k - 1)];
+    layout = LayOutTexts(column, records);
+    if (layout.coded) {
+      kinds.push_back(Kind::kCodedText);
+      add(layout.codes.data(), layout.codes.size() * sizeof(uint32_t));
+      add(layout.entries.data(), layout.entries.size());
+    } else if (!column.Coded()) {
+      kinds.push_back(Kind::kText);
       add(column.TextEnds(), records * sizeof(size_t));
       add(column.TextArena().data(), column.TextArena().size());
+    } else {
+      kinds.push_back(Kind::kText);
+      add(layout.ends.data(), layout.ends.size() * sizeof(size_t));
+      add(layout.arena.data(), layout.arena.size());
     }
   }
-  return WriteSections(path, numeric, records, columns.LastRecordNumber(),
-                       origin, data_path, sections);
+  return WriteSections(path, kinds, records, columns.LastRecordNumber(), origin,
+                       data_path, sections);
 }
 
 bool ColumnCache::WriteSections(const std::string& path,
-                                const std::vector<bool>& numeric,
-                                size_t records, int64_t last_record_number,
+                                const std::vector<Kind>& kinds, size_t records,
+                                int64_t last_record_number,
                                 const Origin& origin,
                                 const std::string& data_path,
                                 const std::vector<SectionSource>& sections) {
-  const size_t variables = numeric.size();
+  const size_t variables = kinds.size();
   if (sections.size() != SectionCount(variables)) return false;
   // A temporary name that recovery removes if this process is killed.
   const std::string temp = TemporaryNameFor(path);
@@ -313,7 +399,9 @@ bool ColumnCache::WriteSections(const std::string& path,
   PutIdentity(origin.stamp.wal, &header[13]);
   header[18] = origin.last_record_fingerprint;
   auto* flags = reinterpret_cast<unsigned char*>(&header[kFixedWords]);
-  for (size_t k = 0; k < variables; ++k) flags[k] = numeric[k] ? 1 : 0;
+  for (size_t k = 0; k < variables; ++k) {
+    flags[k] = static_cast<unsigned char>(kinds[k]);
+  }
   uint64_t* table = &header[kFixedWords + FlagWords(variables)];
   uint64_t offset = header.size() * sizeof(uint64_t);
   bool ok = true;
@@ -373,8 +461,14 @@ bool ColumnCache::ReadHeader() {
   }
   const auto* flags =
       reinterpret_cast<const unsigned char*>(&header[kFixedWords]);
+  kinds_.clear();
   for (size_t k = 0; k < variables; ++k) {
-    if ((flags[k] != 0) != numeric_[k]) return false;
+    const auto kind = static_cast<Kind>(flags[k]);
+    if (flags[k] > static_cast<unsigned char>(Kind::kCodedText) ||
+        (kind == Kind::kNumber) != numeric_[k]) {
+      return false;
+    }
+    kinds_.push_back(kind);
   }
   record_count_ = header[4];
   last_record_number_ = static_cast<int64_t>(header[5]);
@@ -468,33 +562,69 @@ std::optional<ColumnBuffer<double>> ColumnCache::ReadDateTimes() const {
   return Borrow<double>(section, data);
 }
 
+template <typename T>
+ColumnBuffer<T> ColumnCache::Borrow(const char* data, size_t count) const {
+  return ColumnBuffer<T>(reinterpret_cast<const T*>(data), count, mapping_);
+}
+
 std::optional<RecordColumn> ColumnCache::ReadColumn(int variable) const {
+  const size_t index = static_cast<size_t>(variable - 1);
   const Section& nulls = SectionOf(variable, 0);
   const Section& values = SectionOf(variable, 1);
   const Section& arena = SectionOf(variable, 2);
+  const size_t value_size =
+      kinds_[index] == Kind::kCodedText ? sizeof(uint32_t) : sizeof(double);
   if (nulls.bytes != NullWordCount(record_count_) * sizeof(uint64_t) ||
-      values.bytes != record_count_ * sizeof(double)) {
+      values.bytes != record_count_ * value_size) {
     return std::nullopt;
   }
   const char* null_data = SectionData(nulls);
   const char* value_data = SectionData(values);
   if (null_data == nullptr || value_data == nullptr) return std::nullopt;
   NullMask mask(Borrow<uint64_t>(nulls, null_data), record_count_);
-  if (numeric_[static_cast<size_t>(variable - 1)]) {
+  if (kinds_[index] == Kind::kNumber) {
     return RecordColumn(std::move(mask), Borrow<double>(values, value_data));
+  }
+  if (kinds_[index] == Kind::kCodedText) {
+    return ReadCodedColumn(std::move(mask), values, value_data, arena);
   }
   ColumnBuffer<size_t> ends = Borrow<size_t>(values, value_data);
   // Text() slices the arena with these offsets: they must never decrease
   // nor pass its end, whatever the checksum says.
-  size_t previous = 0;
-  for (size_t i = 0; i < ends.size(); ++i) {
-    if (ends[i] < previous) return std::nullopt;
-    previous = ends[i];
-  }
+  if (!EndsFit(ends, arena.bytes)) return std::nullopt;
   const char* text_data = SectionData(arena);
-  if (previous != arena.bytes || text_data == nullptr) return std::nullopt;
+  if (text_data == nullptr) return std::nullopt;
   return RecordColumn(std::move(mask), std::move(ends),
                       Borrow<char>(arena, text_data));
+}
+
+std::optional<RecordColumn> ColumnCache::ReadCodedColumn(
+    NullMask nulls, const Section& codes, const char* code_data,
+    const Section& entries) const {
+  const char* entry_data = SectionData(entries);
+  if (entry_data == nullptr || entries.bytes < sizeof(uint64_t)) {
+    return std::nullopt;
+  }
+  uint64_t count = 0;
+  std::memcpy(&count, entry_data, sizeof count);
+  if (count > (entries.bytes - sizeof count) / sizeof(size_t)) {
+    return std::nullopt;
+  }
+  const char* ends_data = entry_data + sizeof count;
+  const char* text_data = ends_data + count * sizeof(size_t);
+  const size_t text_bytes =
+      entries.bytes - sizeof count - count * sizeof(size_t);
+  ColumnBuffer<size_t> ends = Borrow<size_t>(ends_data, count);
+  if (!EndsFit(ends, text_bytes)) return std::nullopt;
+  ColumnBuffer<uint32_t> numbers = Borrow<uint32_t>(codes, code_data);
+  // Every code must name an entry.
+  uint32_t largest = 0;
+  for (size_t i = 0; i < numbers.size(); ++i) {
+    largest = std::max(largest, numbers[i]);
+  }
+  if (numbers.size() > 0 && largest >= count) return std::nullopt;
+  return RecordColumn(std::move(nulls), std::move(numbers), std::move(ends),
+                      Borrow<char>(text_data, text_bytes));
 }
 
 }  // namespace rz

@@ -73,9 +73,27 @@ class ColumnCache {
   static bool Write(const std::string& path, const RecordColumns& columns,
                     const Origin& origin, const std::string& data_path);
 
+  // How a variable's column is kept: numbers; texts as every record's
+  // text and its end; or, for texts that repeat, coded: the distinct texts
+  // (entries) and every record's entry number (RecordColumn's coded form).
+  enum class Kind : uint8_t { kText = 0, kNumber = 1, kCodedText = 2 };
+  // The most entries a coded column has.
+  static constexpr size_t kMaxEntries = size_t{1} << 18;
+  // Whether a text column of `records` records with `entries` distinct
+  // texts is kept coded: when its entries are few enough that codes save
+  // room.
+  static bool KeepsCoded(size_t records, size_t entries) {
+    return entries <= kMaxEntries && entries * 4 <= records;
+  }
+  // The text arena section of a coded column: the number of entries, their
+  // ends, then their texts.
+  static std::string EntrySectionBytes(const std::vector<size_t>& ends,
+                                       std::string_view arena);
+
   // Where each section sits in the list WriteSections takes: the
   // date-times, the first and last records' cells, then three per
-  // variable (its null words, its numbers or text ends, its text arena).
+  // variable (its null words; its numbers, text ends or codes; its text
+  // arena or entries).
   static constexpr size_t kDateTimeSection = 0;
   static constexpr size_t kEdgeSection = 1;
   static size_t SectionCount(size_t variables);
@@ -99,7 +117,7 @@ class ColumnCache {
   // `last_record_number`) from `sections` in the order the file holds
   // them (SectionIndex). The rest as Write.
   static bool WriteSections(const std::string& path,
-                            const std::vector<bool>& numeric, size_t records,
+                            const std::vector<Kind>& kinds, size_t records,
                             int64_t last_record_number, const Origin& origin,
                             const std::string& data_path,
                             const std::vector<SectionSource>& sections);
@@ -139,12 +157,19 @@ class ColumnCache {
   // The checked bytes `data` of `section` as values the mapping keeps.
   template <typename T>
   ColumnBuffer<T> Borrow(const Section& section, const char* data) const;
+  template <typename T>
+  ColumnBuffer<T> Borrow(const char* data, size_t count) const;
+  std::optional<RecordColumn> ReadCodedColumn(NullMask nulls,
+                                              const Section& codes,
+                                              const char* code_data,
+                                              const Section& entries) const;
   const Section& SectionOf(int variable, int part) const;
   bool ReadEdgeRecords() const;
 
   std::shared_ptr<const void> mapping_;  // the whole file, read-only
   uint64_t file_size_ = 0;
   std::vector<bool> numeric_;
+  std::vector<Kind> kinds_;
   Origin origin_;
   size_t record_count_ = 0;
   int64_t last_record_number_ = 0;

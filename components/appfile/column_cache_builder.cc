@@ -33,9 +33,11 @@ ColumnCacheBuilder::ColumnCacheBuilder(std::string spool_path,
       numeric_(std::move(numeric)),
       cells_(numeric_.size()),
       sections_(ColumnCache::SectionCount(numeric_.size())),
+      code_sections_(numeric_.size()),
       states_(numeric_.size()) {
-  buffer_limit_ = std::clamp(kAllBuffers / sections_.size(), kSmallestBuffer,
-                             kLargestBuffer);
+  buffer_limit_ =
+      std::clamp(kAllBuffers / (sections_.size() + code_sections_.size()),
+                 kSmallestBuffer, kLargestBuffer);
   spool_fd_ =
       open(spool_path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
 }
@@ -76,21 +78,22 @@ void ColumnCacheBuilder::EndRecord() {
     if (cell.is_null) state.null_word |= uint64_t{1} << bit;
     if (numeric_[k]) {
       const double number = cell.is_null ? 0.0 : cell.number;
-      Put(ValuesSection(k), &number, sizeof number);
+      Put(sections_[ValuesSection(k)], &number, sizeof number);
     } else {
       if (!cell.is_null) {
-        Put(ArenaSection(k), cell.text.data(), cell.text.size());
+        Put(sections_[ArenaSection(k)], cell.text.data(), cell.text.size());
         state.text_end += cell.text.size();
       }
-      Put(ValuesSection(k), &state.text_end, sizeof state.text_end);
+      Put(sections_[ValuesSection(k)], &state.text_end, sizeof state.text_end);
+      PutCode(k, cell);
     }
     if (bit == 63) {
-      Put(NullsSection(k), &state.null_word, sizeof state.null_word);
+      Put(sections_[NullsSection(k)], &state.null_word, sizeof state.null_word);
       state.null_word = 0;
     }
   }
   const double date_time = RecordDateTimeOfCells();
-  Put(ColumnCache::kDateTimeSection, &date_time, sizeof date_time);
+  Put(sections_[ColumnCache::kDateTimeSection], &date_time, sizeof date_time);
   if (records_ == 0) first_cells_ = cells_;
   ++records_;
 }
@@ -104,8 +107,36 @@ double ColumnCacheBuilder::RecordDateTimeOfCells() const {
   return RecordDateTime(cells_[0].text, cells_[1].text);
 }
 
-void ColumnCacheBuilder::Put(size_t index, const void* data, size_t bytes) {
-  Section& section = sections_[index];
+void ColumnCacheBuilder::PutCode(size_t index, const CachedCell& cell) {
+  // As ColumnCache::Write codes a column: entries in the order they first
+  // appear, a null cell as the empty text.
+  ColumnState& state = states_[index];
+  if (state.too_many_entries) return;
+  const std::string_view text =
+      cell.is_null ? std::string_view() : std::string_view(cell.text);
+  auto found = state.entry_ids.find(text);
+  if (found == state.entry_ids.end()) {
+    if (state.entry_ids.size() == ColumnCache::kMaxEntries) {
+      // Kept as texts: the entries are no longer needed.
+      state.too_many_entries = true;
+      state.entry_ids = {};
+      state.entry_ends = {};
+      state.entry_arena = {};
+      code_sections_[index] = Section();
+      return;
+    }
+    found = state.entry_ids
+                .emplace(std::string(text),
+                         static_cast<uint32_t>(state.entry_ids.size()))
+                .first;
+    state.entry_arena += text;
+    state.entry_ends.push_back(state.entry_arena.size());
+  }
+  const uint32_t code = found->second;
+  Put(code_sections_[index], &code, sizeof code);
+}
+
+void ColumnCacheBuilder::Put(Section& section, const void* data, size_t bytes) {
   section.buffer.append(static_cast<const char*>(data), bytes);
   section.bytes += bytes;
   if (section.buffer.size() >= buffer_limit_) Spool(section);
@@ -129,9 +160,11 @@ void ColumnCacheBuilder::GiveUp() {
   close(spool_fd_);
   unlink(spool_path_.c_str());
   spool_fd_ = -1;
-  for (Section& section : sections_) {
-    section.buffer = std::string();
-    section.chunks.clear();
+  for (std::vector<Section>* sections : {&sections_, &code_sections_}) {
+    for (Section& section : *sections) {
+      section.buffer = std::string();
+      section.chunks.clear();
+    }
   }
 }
 
@@ -146,10 +179,11 @@ bool ColumnCacheBuilder::Finish(const std::string& path,
   }
   if (records_ % 64 != 0) {
     for (size_t k = 0; k < numeric_.size(); ++k) {
-      Put(NullsSection(k), &states_[k].null_word, sizeof(uint64_t));
+      Put(sections_[NullsSection(k)], &states_[k].null_word, sizeof(uint64_t));
     }
   }
   for (Section& section : sections_) Spool(section);
+  for (Section& section : code_sections_) Spool(section);
   if (!Usable()) return false;
 
   RecordFingerprinter last;
@@ -165,22 +199,44 @@ bool ColumnCacheBuilder::Finish(const std::string& path,
   }
   const std::string edges =
       ColumnCache::EdgeSectionBytes(numeric_, first_cells_, cells_);
+  auto spooled = [this](const Section& section) {
+    return ColumnCache::SectionSource{
+        section.bytes, section.checksum.Value(),
+        [this, &section](int fd, uint64_t offset) {
+          return CopySection(section, fd, offset);
+        }};
+  };
+  auto in_memory = [](const std::string& bytes) {
+    return ColumnCache::SectionSource{
+        bytes.size(), CacheChecksum(bytes.data(), bytes.size()),
+        [&bytes](int fd, uint64_t offset) {
+          return WriteAllAt(fd, bytes.data(), bytes.size(), offset);
+        }};
+  };
   std::vector<ColumnCache::SectionSource> sources;
-  for (const Section& section : sections_) {
-    sources.push_back({section.bytes, section.checksum.Value(),
-                       [this, &section](int fd, uint64_t offset) {
-                         return CopySection(section, fd, offset);
-                       }});
+  for (const Section& section : sections_) sources.push_back(spooled(section));
+  sources[ColumnCache::kEdgeSection] = in_memory(edges);
+  std::vector<ColumnCache::Kind> kinds;
+  std::vector<std::string> entries(numeric_.size());
+  for (size_t k = 0; k < numeric_.size(); ++k) {
+    const ColumnState& state = states_[k];
+    if (numeric_[k]) {
+      kinds.push_back(ColumnCache::Kind::kNumber);
+    } else if (state.too_many_entries ||
+               !ColumnCache::KeepsCoded(records_, state.entry_ends.size())) {
+      kinds.push_back(ColumnCache::Kind::kText);
+    } else {
+      kinds.push_back(ColumnCache::Kind::kCodedText);
+      entries[k] =
+          ColumnCache::EntrySectionBytes(state.entry_ends, state.entry_arena);
+      sources[ValuesSection(k)] = spooled(code_sections_[k]);
+      sources[ArenaSection(k)] = in_memory(entries[k]);
+    }
   }
-  sources[ColumnCache::kEdgeSection] = {
-      edges.size(), CacheChecksum(edges.data(), edges.size()),
-      [&edges](int fd, uint64_t offset) {
-        return WriteAllAt(fd, edges.data(), edges.size(), offset);
-      }};
   const ColumnCache::Origin origin{stamp, 0, last.Value()};
   const bool written = ColumnCache::WriteSections(
-      path, numeric_, records_, static_cast<int64_t>(records_), origin,
-      data_path, sources);
+      path, kinds, records_, static_cast<int64_t>(records_), origin, data_path,
+      sources);
   GiveUp();  // the spool is no longer needed
   return written;
 }

@@ -26,8 +26,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -72,13 +74,28 @@ class ColumnCacheBuilder {
     uint64_t bytes = 0;
     CacheChecksummer checksum;
   };
+  struct TextHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view text) const {
+      return std::hash<std::string_view>()(text);
+    }
+  };
   // The running state of a variable's column.
   struct ColumnState {
     uint64_t null_word = 0;  // the nulls of the records since the last 64
     uint64_t text_end = 0;   // the text arena's length so far
+    // Text columns are spooled both ways, as texts and as codes, until it
+    // is known which way the cache keeps them (ColumnCache::KeepsCoded):
+    // the entries so far, unless there were too many.
+    bool too_many_entries = false;
+    std::unordered_map<std::string, uint32_t, TextHash, std::equal_to<>>
+        entry_ids;
+    std::vector<size_t> entry_ends;
+    std::string entry_arena;
   };
 
-  void Put(size_t section, const void* data, size_t bytes);
+  void Put(Section& section, const void* data, size_t bytes);
+  void PutCode(size_t index, const CachedCell& cell);
   void Spool(Section& section);
   void GiveUp();
   double RecordDateTimeOfCells() const;
@@ -91,7 +108,8 @@ class ColumnCacheBuilder {
   size_t buffer_limit_ = 0;
   std::vector<CachedCell> cells_;        // the record being written
   std::vector<CachedCell> first_cells_;  // the first record's
-  std::vector<Section> sections_;
+  std::vector<Section> sections_;        // as ColumnCache::SectionIndex
+  std::vector<Section> code_sections_;   // text columns: the codes
   std::vector<ColumnState> states_;
   size_t records_ = 0;
   bool cells_pending_ = false;  // cells set since the last EndRecord

@@ -517,12 +517,24 @@ ColumnStatistic TextStatistics(const RecordColumns& columns, int variable,
   }
   int32_t count = 0;
   std::string_view first, last;
-  for (const int32_t index : records) {
-    const std::string_view text = column.Text(static_cast<size_t>(index));
-    if (TrimSpaces(text).empty()) continue;  // Null cells read as "".
-    if (count == 0) first = text;
-    last = text;
-    ++count;
+  if (column.Coded()) {
+    // Texts that repeat: whether each entry is blank is worked out once.
+    const std::vector<char>& blank = column.BlankEntries();
+    for (const int32_t index : records) {
+      const uint32_t entry = column.Entry(static_cast<size_t>(index));
+      if (blank[entry]) continue;
+      if (count == 0) first = column.EntryText(entry);
+      last = column.EntryText(entry);
+      ++count;
+    }
+  } else {
+    for (const int32_t index : records) {
+      const std::string_view text = column.Text(static_cast<size_t>(index));
+      if (TrimSpaces(text).empty()) continue;  // Null cells read as "".
+      if (count == 0) first = text;
+      last = text;
+      ++count;
+    }
   }
   result[Count] = Variant(count);
   if (count > 0) {

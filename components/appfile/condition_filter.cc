@@ -22,6 +22,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <numeric>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -246,8 +247,7 @@ class CompiledFilter : public ConditionFilter {
     return tree_.root < 0 || MatchesNode(tree_.root, store, record);
   }
 
-  void Select(const DataStore& store,
-              std::vector<int32_t>* selected) const override {
+  void Select(const DataStore& store, RecordList* selected) const override {
     selected->clear();
     int32_t begin = 1;
     int32_t end = store.RecordCount() + 1;
@@ -260,6 +260,11 @@ class CompiledFilter : public ConditionFilter {
       }
     }
     if (begin >= end) return;
+    if (rest.empty()) {  // the date range alone: every record in it
+      selected->resize(static_cast<size_t>(end - begin));
+      std::iota(selected->begin(), selected->end(), begin - 1);
+      return;
+    }
     selected->reserve(static_cast<size_t>(end - begin));
     for (int32_t record = begin; record < end; ++record) {
       bool passes = true;

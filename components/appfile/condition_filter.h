@@ -31,6 +31,7 @@
 #include <memory>
 #include <vector>
 
+#include "appfile/record_columns.h"
 #include "platform/app_file.h"
 
 namespace rz {
@@ -52,8 +53,7 @@ class ConditionFilter {
   // the store is in time order, conditions that bound the date-time and
   // are joined with And to the rest (the run's date range) are answered
   // by binary search instead of a test of every record.
-  virtual void Select(const DataStore& store,
-                      std::vector<int32_t>* selected) const = 0;
+  virtual void Select(const DataStore& store, RecordList* selected) const = 0;
 };
 
 // The first and the last record whose date-time lies in [begin, end]

@@ -103,7 +103,7 @@ double RecordDateTime(std::string_view date, std::string_view time) {
 
 namespace {
 
-constexpr size_t kMappedBlock = size_t{4} << 20;
+constexpr size_t kMappedBlock = size_t{2} << 20;
 constexpr size_t kHugePage = size_t{2} << 20;
 
 size_t MappedSize(size_t bytes) {
@@ -141,6 +141,16 @@ RecordColumn::RecordColumn(NullMask nulls, ColumnBuffer<size_t> ends,
       arena_(std::move(arena)),
       ends_(std::move(ends)) {}
 
+RecordColumn::RecordColumn(NullMask nulls, ColumnBuffer<uint32_t> codes,
+                           ColumnBuffer<size_t> entry_ends,
+                           ColumnBuffer<char> entry_arena)
+    : numeric_(false),
+      coded_(true),
+      nulls_(std::move(nulls)),
+      arena_(std::move(entry_arena)),
+      ends_(std::move(entry_ends)),
+      codes_(std::move(codes)) {}
+
 void RecordColumn::AppendCell(SqliteStatement& statement, int column) {
   sqlite3_stmt* const raw = statement.Handle();
   const int type = sqlite3_column_type(raw, column);
@@ -167,6 +177,8 @@ void RecordColumn::Reserve(size_t records) {
   nulls_.Reserve(records);
   if (numeric_) {
     numbers_.reserve(records);
+  } else if (coded_) {
+    codes_.reserve(records);
   } else {
     ends_.reserve(records);
   }
@@ -176,6 +188,8 @@ void RecordColumn::AppendNull() {
   nulls_.Append(true);
   if (numeric_) {
     numbers_.push_back(0);
+  } else if (coded_) {
+    codes_.push_back(EntryOf(""));
   } else {
     ends_.push_back(arena_.size());
   }
@@ -188,26 +202,66 @@ void RecordColumn::AppendNumber(double value) {
 
 void RecordColumn::AppendText(std::string_view text) {
   nulls_.Append(false);
+  if (coded_) {
+    codes_.push_back(EntryOf(text));
+    return;
+  }
   arena_.append(text.data(), text.size());
   ends_.push_back(arena_.size());
 }
 
-const std::vector<int32_t>& RecordColumn::FoldedCodes() const {
+uint32_t RecordColumn::EntryOf(std::string_view text) {
+  if (entry_ids_.empty()) {
+    for (size_t j = 0; j < ends_.size(); ++j) {
+      entry_ids_.emplace(std::string(Piece(j)), static_cast<uint32_t>(j));
+    }
+  }
+  const auto found = entry_ids_.find(text);
+  if (found != entry_ids_.end()) return found->second;
+  const auto entry = static_cast<uint32_t>(ends_.size());
+  arena_.append(text.data(), text.size());
+  ends_.push_back(arena_.size());
+  entry_ids_.emplace(std::string(text), entry);
+  return entry;
+}
+
+const RecordList& RecordColumn::FoldedCodes() const {
   const size_t count = nulls_.Size();
   folded_codes_.reserve(count);
+  if (coded_) {
+    // Each entry is folded once; the records take their entry's code.
+    for (size_t j = entry_folds_.size(); j < ends_.size(); ++j) {
+      entry_folds_.push_back(FoldedCodeOfStored(Piece(j)));
+    }
+    for (size_t i = folded_codes_.size(); i < count; ++i) {
+      folded_codes_.push_back(entry_folds_[codes_[i]]);
+    }
+    return folded_codes_;
+  }
   for (size_t i = folded_codes_.size(); i < count; ++i) {
     const std::string_view stored = IsNull(i) ? std::string_view() : Text(i);
-    auto found = stored_ids_.find(stored);
-    if (found == stored_ids_.end()) {
-      const std::string folded = UpperCase(TrimSpaces(stored));
-      const auto [id, added] =
-          folded_ids_.emplace(folded, static_cast<int32_t>(folded_ids_.size()));
-      if (added) folded_texts_.push_back(folded);
-      found = stored_ids_.emplace(std::string(stored), id->second).first;
-    }
-    folded_codes_.push_back(found->second);
+    folded_codes_.push_back(FoldedCodeOfStored(stored));
   }
   return folded_codes_;
+}
+
+const std::vector<char>& RecordColumn::BlankEntries() const {
+  for (size_t j = blank_entries_.size(); j < ends_.size(); ++j) {
+    blank_entries_.push_back(TrimSpaces(Piece(j)).empty() ? 1 : 0);
+  }
+  return blank_entries_;
+}
+
+int32_t RecordColumn::FoldedCodeOfStored(std::string_view stored) const {
+  auto found = stored_ids_.find(stored);
+  if (found == stored_ids_.end()) {
+    const std::string folded = UpperCase(TrimSpaces(stored));
+    const auto [id, added] =
+        folded_ids_.emplace(folded, static_cast<int32_t>(folded_ids_.size()));
+    if (added) folded_texts_.push_back(folded);
+    found = stored_ids_.emplace(std::string(stored), id->second).first;
+  }
+  return found->second;
 }
 
 int32_t RecordColumn::FoldedCodeOf(std::string_view text) const {
@@ -222,9 +276,11 @@ void RecordColumn::Append(const RecordColumn& other, size_t other_count) {
   nulls_.Reserve(count);
   if (numeric_) {
     numbers_.reserve(count);
+  } else if (coded_) {
+    codes_.reserve(count);
   } else {
     ends_.reserve(count);
-    arena_.reserve(arena_.size() + other.ends_[other_count - 1]);
+    arena_.reserve(arena_.size() + other.TextBytes(other_count));
   }
   for (size_t i = 0; i < other_count; ++i) {
     if (other.IsNull(i)) {
@@ -237,9 +293,18 @@ void RecordColumn::Append(const RecordColumn& other, size_t other_count) {
   }
 }
 
+size_t RecordColumn::TextBytes(size_t count) const {
+  size_t bytes = 0;
+  if (!coded_) return count == 0 ? 0 : ends_[count - 1];
+  for (size_t i = 0; i < count; ++i) bytes += Text(i).size();
+  return bytes;
+}
+
 void RecordColumn::LeaveRoomToGrow() {
   const size_t wanted = arena_.size() + arena_.size() / 8 + 4096;
-  if (!numeric_ && arena_.capacity() < wanted) arena_.reserve(wanted);
+  if (!numeric_ && !coded_ && arena_.capacity() < wanted) {
+    arena_.reserve(wanted);
+  }
 }
 
 // --- RecordColumns ---

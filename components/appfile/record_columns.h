@@ -3,7 +3,11 @@
 // RecordColumns is the in-memory form of a data file's records, one column
 // per variable: a numeric column holds doubles, a text column one text
 // arena with the end offset of every record's text (no string per cell),
-// and both a null mask (one bit per record, set for SQL NULL). Beside the
+// and both a null mask (one bit per record, set for SQL NULL). A text
+// column may instead be coded: a list of its distinct texts (its entries,
+// in the same arena-and-ends form) and every record's entry number, the
+// form the column cache keeps texts that repeat in; a null cell's entry is
+// the empty text. Beside the
 // columns it keeps every record's date-time, built from the date and time
 // texts of variables 1 and 2 when they are text columns, and whether those
 // date-times never decrease.
@@ -62,6 +66,10 @@ struct ColumnAllocator {
   }
   bool operator==(const ColumnAllocator&) const = default;
 };
+
+// A list of record indexes (a selection, an order); a long one lives in
+// huge pages like a column.
+using RecordList = std::vector<int32_t, ColumnAllocator<int32_t>>;
 
 // Values of one kind, one or more per record: held in a vector, or
 // borrowed from memory another object keeps alive (the column cache's
@@ -175,6 +183,12 @@ class RecordColumn {
   // ends never decrease, the last end is arena.size().
   RecordColumn(NullMask nulls, ColumnBuffer<size_t> ends,
                ColumnBuffer<char> arena);
+  // A coded text column from its parts: `entry_ends` and `entry_arena`
+  // hold the entries as above. REQUIRES: codes.size() == nulls.Size(),
+  // every code < entry_ends.size(), a null cell's code names an empty
+  // entry, no two entries are equal.
+  RecordColumn(NullMask nulls, ColumnBuffer<uint32_t> codes,
+               ColumnBuffer<size_t> entry_ends, ColumnBuffer<char> entry_arena);
 
   bool Numeric() const { return numeric_; }
   void Reserve(size_t records);
@@ -196,12 +210,20 @@ class RecordColumn {
     return nulls_.NextSet(begin, end);
   }
   std::string_view Text(size_t index) const {
-    const size_t begin = index == 0 ? 0 : ends_[index - 1];
-    return std::string_view(arena_.data() + begin, ends_[index] - begin);
+    return Piece(coded_ ? codes_[index] : index);
   }
 
-  // The parts, for the column cache.
+  // Coded columns: the entry of a record, an entry's text, and for each
+  // entry whether it is blank (empty or spaces; worked out on first use
+  // and for entries added since).
+  uint32_t Entry(size_t index) const { return codes_[index]; }
+  std::string_view EntryText(uint32_t entry) const { return Piece(entry); }
+  const std::vector<char>& BlankEntries() const;
+
+  // The parts, for the column cache. A coded column's ends and arena are
+  // those of its entries.
   const NullMask& Nulls() const { return nulls_; }
+  bool Coded() const { return coded_; }
   const size_t* TextEnds() const { return ends_.data(); }
   std::string_view TextArena() const {
     return std::string_view(arena_.data(), arena_.size());
@@ -212,7 +234,7 @@ class RecordColumn {
   // (a null cell counts as blank text), for passes that compare many
   // records with one text. Worked out on first use and for records
   // appended since, then kept.
-  const std::vector<int32_t>& FoldedCodes() const;
+  const RecordList& FoldedCodes() const;
   // The number of `text` (already trimmed) among FoldedCodes(); -1 when no
   // record holds it. REQUIRES: FoldedCodes() called since the last append.
   int32_t FoldedCodeOf(std::string_view text) const;
@@ -226,11 +248,26 @@ class RecordColumn {
   void LeaveRoomToGrow();
 
  private:
+  // Text piece `index` of the arena: a record's text, or a coded column's
+  // entry.
+  std::string_view Piece(size_t index) const {
+    const size_t begin = index == 0 ? 0 : ends_[index - 1];
+    return std::string_view(arena_.data() + begin, ends_[index] - begin);
+  }
+  // Coded columns: the entry of `text`, added when it is new.
+  uint32_t EntryOf(std::string_view text);
+  // The bytes of the texts of the first `count` records.
+  size_t TextBytes(size_t count) const;
+  // The folded code of a stored text (see FoldedCodes), made when new.
+  int32_t FoldedCodeOfStored(std::string_view stored) const;
+
   bool numeric_;
+  bool coded_ = false;
   NullMask nulls_;
   ColumnBuffer<double> numbers_;  // numeric: the value (0 for NULL)
-  ColumnBuffer<char> arena_;      // text: every record's text in a row
-  ColumnBuffer<size_t> ends_;     // text: where each record's text ends
+  ColumnBuffer<char> arena_;      // text: every record's text (or entry)
+  ColumnBuffer<size_t> ends_;     // text: where each text ends
+  ColumnBuffer<uint32_t> codes_;  // coded text: each record's entry
 
   // FoldedCodes: the codes, the code of each folded text, and the code of
   // each text as it is stored (most records repeat a few texts).
@@ -242,10 +279,15 @@ class RecordColumn {
   };
   using CodeMap =
       std::unordered_map<std::string, int32_t, TextHash, std::equal_to<>>;
-  mutable std::vector<int32_t> folded_codes_;
+  mutable RecordList folded_codes_;
   mutable std::vector<std::string> folded_texts_;
   mutable CodeMap folded_ids_;
   mutable CodeMap stored_ids_;
+  mutable std::vector<int32_t> entry_folds_;  // coded: by entry
+  mutable std::vector<char> blank_entries_;   // coded: by entry
+  // Coded columns: the entry of each text, made at the first append.
+  std::unordered_map<std::string, uint32_t, TextHash, std::equal_to<>>
+      entry_ids_;
 };
 
 // Delivers a variable's whole column to RecordColumns when it is first

@@ -95,7 +95,7 @@ void AddGroup(SummaryPass& pass, int32_t begin, int32_t end,
 void GroupByValue(const RecordColumns& columns, int variable,
                   SummaryPass& pass) {
   const RecordColumn& column = columns.Column(variable);
-  std::vector<int32_t>& order = pass.order;
+  RecordList& order = pass.order;
   order = pass.selected;
   if (column.Numeric()) {
     const auto values_begin = std::stable_partition(
@@ -122,7 +122,7 @@ void GroupByValue(const RecordColumns& columns, int variable,
   // without regard to case, blank and no value sharing one) ranked by
   // their text without regard to case (blank is rank 0, the no-value
   // group), then a stable counting sort by rank.
-  const std::vector<int32_t>& codes = column.FoldedCodes();
+  const RecordList& codes = column.FoldedCodes();
   const std::vector<std::string>& texts = column.FoldedTexts();
   const int32_t blank = column.FoldedCodeOf("");
   std::vector<int32_t> by_text;
@@ -176,12 +176,12 @@ bool PlaceInOrder(const RecordColumns& columns, const IntervalGrid& grid,
       inside_from = SerialFromSeconds(start);
       inside_to = SerialFromSeconds(grid.NextStart(start) - 1);
       if (first || start != pass.groups.back().interval_start) {
-        const auto at = static_cast<int32_t>(pass.order.size());
+        const int32_t at = first ? 0 : pass.groups.back().end;
         AddGroup(pass, at, at, start);
       }
     }
-    pass.order.push_back(record);
-    pass.groups.back().end = static_cast<int32_t>(pass.order.size());
+    if (!pass.order_is_selected) pass.order.push_back(record);
+    ++pass.groups.back().end;
   }
   return true;
 }
@@ -199,6 +199,7 @@ void PlaceByStableSort(const RecordColumns& columns, const IntervalGrid& grid,
   std::stable_sort(
       keyed.begin(), keyed.end(),
       [](const auto& a, const auto& b) { return a.first < b.first; });
+  pass.order_is_selected = false;
   pass.order.clear();
   pass.groups.clear();
   for (const auto& [start, record] : keyed) {
@@ -229,7 +230,10 @@ void AddEmptyIntervals(const IntervalGrid& grid, SummaryPass& pass) {
 void GroupByInterval(const RecordColumns& columns, IntervalKey key,
                      const PassRequest& request, SummaryPass& pass) {
   const IntervalGrid grid = IntervalGrid::For(key, request.settings);
-  pass.order.reserve(pass.selected.size());
+  // Records in time order all have a date-time: grouped by time, they
+  // stay where they are.
+  pass.order_is_selected = columns.InTimeOrder();
+  if (!pass.order_is_selected) pass.order.reserve(pass.selected.size());
   if (!PlaceInOrder(columns, grid, pass)) {
     PlaceByStableSort(columns, grid, pass);
   }
@@ -243,17 +247,16 @@ void CheckPassRequest(const RecordColumns& columns,
   KeyOf(columns, request);
 }
 
-SummaryPass BuildSummaryPass(const RecordColumns& columns,
-                             std::vector<int32_t> selected,
+SummaryPass BuildSummaryPass(const RecordColumns& columns, RecordList selected,
                              const PassRequest& request) {
   const PassKey key = KeyOf(columns, request);
   SummaryPass pass;
   pass.selected = std::move(selected);
   switch (key.kind) {
     case KeyKind::kNone:
-      pass.order = pass.selected;
-      if (!pass.order.empty()) {
-        AddGroup(pass, 0, static_cast<int32_t>(pass.order.size()), 0);
+      pass.order_is_selected = true;
+      if (!pass.selected.empty()) {
+        AddGroup(pass, 0, static_cast<int32_t>(pass.selected.size()), 0);
       }
       break;
     case KeyKind::kVariable:

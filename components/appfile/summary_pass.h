@@ -35,6 +35,7 @@
 #include <span>
 #include <vector>
 
+#include "appfile/record_columns.h"
 #include "appfile/summary_intervals.h"
 
 namespace rz {
@@ -67,17 +68,23 @@ struct SummaryPassGroup {
 
 struct SummaryPass {
   // 0-based indexes of the records the filter selected, in record order.
-  std::vector<int32_t> selected;
-  // The records of the groups, group after group.
-  std::vector<int32_t> order;
+  RecordList selected;
+  // The records of the groups, group after group; empty when they are
+  // the selected records as they stand (records in time order grouped by
+  // time, or no key), which Order() then gives.
+  RecordList order;
+  bool order_is_selected = false;
   std::vector<SummaryPassGroup> groups;
   // True when the groups are intervals of a time key.
   bool time_keyed = false;
 
+  const RecordList& Order() const {
+    return order_is_selected ? selected : order;
+  }
   // The records of group `index` (0-based).
   std::span<const int32_t> RecordsOf(size_t index) const {
     const SummaryPassGroup& group = groups[index];
-    return std::span<const int32_t>(order).subspan(
+    return std::span<const int32_t>(Order()).subspan(
         static_cast<size_t>(group.begin),
         static_cast<size_t>(group.end - group.begin));
   }
@@ -89,8 +96,7 @@ void CheckPassRequest(const RecordColumns& columns, const PassRequest& request);
 
 // Groups `selected` (0-based record indexes in record order) as
 // `request` asks. Calls CheckPassRequest first.
-SummaryPass BuildSummaryPass(const RecordColumns& columns,
-                             std::vector<int32_t> selected,
+SummaryPass BuildSummaryPass(const RecordColumns& columns, RecordList selected,
                              const PassRequest& request);
 
 }  // namespace rz

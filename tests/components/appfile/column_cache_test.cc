@@ -299,6 +299,113 @@ TEST(ColumnCachePathTest, SitsBesideTheDataFile) {
   EXPECT_EQ(ColumnCache::PathFor(".rzd"), ".rzd.rzc");
 }
 
+// --- Texts that repeat are kept coded ---
+
+TEST(ColumnCacheCodedTest, RepeatedTextsAreCodedAndReadBackTheSame) {
+  TempFolder folder;
+  const std::string path = folder.File("line4.rzd");
+  const Variant lines[] = {"Line 1", " line 1 ", "LINE 2", Variant::Null(), ""};
+  std::vector<Row> rows;
+  for (int i = 0; i < 400; ++i) {
+    rows.push_back({"2024-03-0" + std::to_string(1 + i / 100),
+                    "08:" + std::to_string(10 + i / 60) + ":" +
+                        std::to_string(10 + i % 60),
+                    1.0 * i, lines[i % 5], Variant::Null()});
+  }
+  WriteDataFile(path, kNumeric, rows);
+  SqliteDataStore::Open(path, kNumeric);  // makes the cache
+  auto cached = SqliteDataStore::Open(path, kNumeric);
+  ASSERT_TRUE(cached->UsesCache());
+  EXPECT_TRUE(cached->Columns().Column(1).Coded());   // four dates
+  EXPECT_FALSE(cached->Columns().Column(2).Coded());  // 400 times
+  EXPECT_TRUE(cached->Columns().Column(4).Coded());
+  auto check = [&](const char* when) {
+    SCOPED_TRACE(when);
+    fs::remove(folder.File("line4.rzc"));
+    auto direct = SqliteDataStore::Open(path, kNumeric);
+    ASSERT_FALSE(direct->UsesCache());
+    EXPECT_EQ(Contents(*cached), Contents(*direct));
+    const RecordColumn& a = cached->Columns().Column(4);
+    const RecordColumn& b = direct->Columns().Column(4);
+    EXPECT_EQ(a.FoldedCodes(), b.FoldedCodes());
+    EXPECT_EQ(a.FoldedTexts(), b.FoldedTexts());
+    EXPECT_EQ(a.FoldedCodeOf("LINE 1"), b.FoldedCodeOf("LINE 1"));
+  };
+  check("opened");
+  // Appended records reach the coded column: a new text, a known one in
+  // other letters, a null.
+  ExecSql(path,
+          "INSERT INTO records(v1, v2, v3, v4) VALUES"
+          "('2024-03-05', '00:00:00', 1, 'Line 3'),"
+          "('2024-03-05', '00:00:01', 2, 'line 2'),"
+          "('2024-03-05', '00:00:02', 3, NULL)");
+  EXPECT_TRUE(cached->Refresh());
+  check("after appends");
+}
+
+// A cache made to pass its checksums still cannot make a reader read
+// outside a coded column's entries.
+TEST(ColumnCacheCodedTest, CodesAndEntriesThatDoNotFitAreRefused) {
+  TempFolder folder;
+  const std::string data = folder.File("line4.rzd");
+  WriteDataFile(data, {false}, {{"x"}});
+  auto memory = [](const std::string& bytes) {
+    return ColumnCache::SectionSource{
+        bytes.size(), CacheChecksum(bytes.data(), bytes.size()),
+        [&bytes](int fd, uint64_t offset) {
+          return WriteAllAt(fd, bytes.data(), bytes.size(), offset);
+        }};
+  };
+  auto words = [](std::vector<uint64_t> values) {
+    return std::string(reinterpret_cast<const char*>(values.data()),
+                       values.size() * sizeof(uint64_t));
+  };
+  const std::string date_times = words({0, 0});
+  const std::string nulls = words({0});
+  const struct Case {
+    const char* what;
+    std::vector<uint32_t> codes;
+    std::string entries;
+    bool usable;
+  } cases[] = {
+      {"fits", {0, 1}, ColumnCache::EntrySectionBytes({1, 3}, "abc"), true},
+      {"a code past the entries",
+       {0, 2},
+       ColumnCache::EntrySectionBytes({1, 3}, "abc"),
+       false},
+      {"more entries than the section holds",
+       {0, 0},
+       words({1000, 1}) + "a",
+       false},
+      {"an end past the texts",
+       {0, 1},
+       ColumnCache::EntrySectionBytes({1, 9}, "abc"),
+       false},
+      {"ends that decrease",
+       {0, 1},
+       ColumnCache::EntrySectionBytes({2, 1}, "ab"),
+       false},
+      {"no entry count", {0, 0}, "", false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const std::string codes(reinterpret_cast<const char*>(c.codes.data()),
+                            c.codes.size() * sizeof(uint32_t));
+    const std::string cache = folder.File("line4.rzc");
+    ASSERT_TRUE(ColumnCache::WriteSections(
+        cache, {ColumnCache::Kind::kCodedText}, 2, 2, {}, data,
+        {memory(date_times), memory(""), memory(nulls), memory(codes),
+         memory(c.entries)}));
+    auto opened = ColumnCache::Open(cache, {false});
+    ASSERT_NE(opened, nullptr);
+    const std::optional<RecordColumn> column = opened->ReadColumn(1);
+    ASSERT_EQ(column.has_value(), c.usable);
+    if (c.usable) {
+      EXPECT_EQ(column->Text(1), "bc");
+    }
+  }
+}
+
 // --- The cache made while the records are written ---
 
 struct BuiltCase {

@@ -476,11 +476,11 @@ TEST_F(FindDateRangeTest, SelectAgreesWithMatches) {
       }
       if (shape == 3) list.push_back(C(2, "", 3, "=", "7", ""));
       auto filter = ConditionFilter::Compile(list, *store);
-      std::vector<int32_t> expected;
+      RecordList expected;
       for (int32_t r = 1; r <= store->RecordCount(); ++r) {
         if (filter->Matches(*store, r)) expected.push_back(r - 1);
       }
-      std::vector<int32_t> selected = {42};  // replaced
+      RecordList selected = {42};  // replaced
       filter->Select(*store, &selected);
       EXPECT_EQ(selected, expected) << Describe(list);
     }

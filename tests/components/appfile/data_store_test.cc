@@ -554,12 +554,12 @@ TEST_F(DataWriterTest, CreatesMetaTriggersAndWal) {
 // and records appended after the first use get theirs too.
 TEST(FoldedCodesTest, EqualCodesForTextsEqualTrimmedWithoutCase) {
   RecordColumn column(false);
-  for (const char* text : {"Line 1", " line 1 ", "LINE 2", "éclair", "ÉCLAIR",
-                           "", "  "}) {
+  for (const char* text :
+       {"Line 1", " line 1 ", "LINE 2", "éclair", "ÉCLAIR", "", "  "}) {
     column.AppendText(text);
   }
   column.AppendNull();
-  std::vector<int32_t> codes = column.FoldedCodes();
+  RecordList codes = column.FoldedCodes();
   ASSERT_EQ(codes.size(), 8u);
   EXPECT_EQ(codes[0], codes[1]);
   EXPECT_NE(codes[0], codes[2]);
@@ -583,8 +583,8 @@ TEST(FoldedCodesTest, EqualCodesForTextsEqualTrimmedWithoutCase) {
 // copy copies the values first: the memory and the other copies keep
 // theirs.
 TEST(ColumnBufferTest, BorrowedValuesAreCopiedOnChangeOnly) {
-  auto memory = std::make_shared<std::vector<double>>(
-      std::vector<double>{1.5, 2.5, 3.5});
+  auto memory =
+      std::make_shared<std::vector<double>>(std::vector<double>{1.5, 2.5, 3.5});
   const double* values = memory->data();
   ColumnBuffer<double> borrowed(values, 3,
                                 std::shared_ptr<const void>(memory, values));

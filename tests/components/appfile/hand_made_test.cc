@@ -77,8 +77,8 @@ TEST(HandMadeApplicationTest, TheDocumentedApplicationOpens) {
   ASSERT_TRUE(app.ReadPrevious());
   EXPECT_EQ(app.Value(3), Variant(499.87));
   EXPECT_EQ(app.Value(4), Variant("K. Okafor"));
-  EXPECT_EQ(app.Value(0), Variant::Date(DateSerial(2026, 1, 5) +
-                                        TimeSerial(6, 20, 0)));
+  EXPECT_EQ(app.Value(0),
+            Variant::Date(DateSerial(2026, 1, 5) + TimeSerial(6, 20, 0)));
   app.GotoRecord(2);
   EXPECT_TRUE(app.Value(3).IsNull());
 }

@@ -105,8 +105,7 @@ TEST_F(ReadOnlyFolderTest, OpensAndReadsEveryRecord) {
     });
     if (!run.skip_reason.empty()) GTEST_SKIP() << run.skip_reason;
     EXPECT_EQ(run.status, 0) << c.name;
-    EXPECT_EQ(::access(Path("app.rzc").c_str(), F_OK) == 0, c.cached)
-        << c.name;
+    EXPECT_EQ(::access(Path("app.rzc").c_str(), F_OK) == 0, c.cached) << c.name;
   }
 }
 
