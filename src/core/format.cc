@@ -45,10 +45,12 @@ struct RoundedDecimal {
 // is not within the 15-digit noise of a half, rounding the scaled binary
 // value gives the same digits as rounding its 15-digit text. False when
 // the text is needed.
-bool RoundDirectly(double value, size_t decimals, RoundedDecimal* number) {
-  static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,
-                                            1e6, 1e7, 1e8,  1e9,  1e10, 1e11,
-                                            1e12, 1e13, 1e14};
+constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6, 1e7,
+                                   1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
+
+// The magnitude of `value` times 10^decimals, rounded half away from zero,
+// into `rounded` when that can be done on the binary value (see below).
+bool RoundScaled(double value, size_t decimals, uint64_t* rounded) {
   if (decimals >= std::size(kPowersOfTen)) return false;
   const double scaled = std::fabs(value) * kPowersOfTen[decimals];
   if (!(scaled < 1e14)) return false;
@@ -56,13 +58,17 @@ bool RoundDirectly(double value, size_t decimals, RoundedDecimal* number) {
   const double fraction = scaled - whole;
   // The 15-digit text differs from the value by at most 5e-15 of it.
   if (std::fabs(fraction - 0.5) <= 1e-13 * scaled) return false;
-  const uint64_t rounded =
-      static_cast<uint64_t>(whole) + (fraction > 0.5 ? 1 : 0);
+  *rounded = static_cast<uint64_t>(whole) + (fraction > 0.5 ? 1 : 0);
+  return true;
+}
+
+bool RoundDirectly(double value, size_t decimals, RoundedDecimal* number) {
+  uint64_t rounded = 0;
+  if (!RoundScaled(value, decimals, &rounded)) return false;
   if (rounded == 0) return true;  // zero at this many places
-  char* const end =
-      std::to_chars(number->digits, number->digits + kSignificantDigits,
-                    rounded)
-          .ptr;
+  char* const end = std::to_chars(number->digits,
+                                  number->digits + kSignificantDigits, rounded)
+                        .ptr;
   number->count = end - number->digits;
   number->point = number->count - static_cast<int64_t>(decimals);
   return true;
@@ -186,6 +192,7 @@ FormatMask FormatMask::Compile(std::string_view mask) {
     compiled.literals_.clear();
   }
   compiled.CompileNumber();
+  compiled.NotePlainNumberMask();
   return compiled;
 }
 
@@ -351,6 +358,63 @@ void FormatMask::MarkMinutes() {
   }
 }
 
+void FormatMask::NotePlainNumberMask() {
+  plain_ = !grouping_ && literals_.empty();
+  bool zeros_begun = false;
+  for (const Item& item : items_) {
+    if (item.number_part == NumberPart::kIntegerDigit) {
+      // "#"s first, then "0"s: the "0"s are the least digits written.
+      if (item.placeholder == '0') {
+        zeros_begun = true;
+        ++plain_least_integer_digits_;
+      } else if (zeros_begun) {
+        plain_ = false;
+      }
+    } else if (item.number_part == NumberPart::kPoint) {
+      plain_point_ = true;
+    }
+  }
+  for (const char placeholder : fraction_placeholders_) {
+    if (placeholder != '0') plain_ = false;
+  }
+  // Room in FormatPlainNumber's buffer; more decimals never round there.
+  if (plain_least_integer_digits_ > 20 || fraction_placeholders_.size() > 14) {
+    plain_ = false;
+  }
+}
+
+bool FormatMask::FormatPlainNumber(double value, std::string* out) const {
+  const size_t decimals = fraction_placeholders_.size();
+  uint64_t rounded = 0;
+  if (!RoundScaled(value, decimals, &rounded)) return false;
+  const auto scale = static_cast<uint64_t>(kPowersOfTen[decimals]);
+  const uint64_t whole = rounded / scale;
+  const uint64_t fraction = rounded % scale;
+  // At most a sign, 20 integer digits, a point and 14 decimals.
+  char text[48];
+  char* at = text;
+  if (value < 0 && rounded != 0) *at++ = '-';
+  char digits[24];
+  char* const digits_end =
+      whole == 0 ? digits : std::to_chars(digits, digits + 24, whole).ptr;
+  const auto integer_count = static_cast<int64_t>(digits_end - digits);
+  if (integer_count < plain_least_integer_digits_) {
+    at = std::fill_n(at, plain_least_integer_digits_ - integer_count, '0');
+  }
+  at = std::copy(digits, digits_end, at);
+  if (plain_point_) *at++ = '.';
+  if (decimals > 0) {
+    char* const fraction_end = std::to_chars(digits, digits + 24, fraction).ptr;
+    const auto fraction_count = static_cast<size_t>(fraction_end - digits);
+    if (fraction_count < decimals) {
+      at = std::fill_n(at, decimals - fraction_count, '0');
+    }
+    at = std::copy(digits, fraction_end, at);
+  }
+  out->assign(text, at);
+  return true;
+}
+
 std::string FormatMask::FormatNumber(double value) const {
   if (kind_ == Kind::kDate) {
     throw Error::InvalidArgument("the date mask '" + mask_ +
@@ -360,6 +424,10 @@ std::string FormatMask::FormatNumber(double value) const {
     throw Error::Overflow(std::isnan(value) ? "NaN" : "Infinity");
   }
   if (kind_ == Kind::kEmpty) return ShortestNumberText(value);
+  if (plain_) {
+    std::string text;
+    if (FormatPlainNumber(value, &text)) return text;
+  }
   const RoundedDecimal number =
       RoundHalfAwayFromZero(value, fraction_placeholders_.size());
   const int64_t int_count =

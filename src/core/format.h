@@ -137,6 +137,11 @@ class FormatMask {
   size_t CompileDateToken(size_t pos);
   void AddDateItem(DateToken token, uint32_t field = 0, uint32_t width = 0);
   void MarkMinutes();
+  // Number masks of digit placeholders alone ("##0.000": "#"s, then "0"s,
+  // a point, "0"s) are written straight from the rounded number.
+  void NotePlainNumberMask();
+  // False when the number needs the general path (see RoundScaled).
+  bool FormatPlainNumber(double value, std::string* out) const;
   void AppendDateItem(const Item& item, const DateTimeParts& parts,
                       const int (&fields)[kDateFieldCount],
                       std::string* out) const;
@@ -149,6 +154,9 @@ class FormatMask {
   uint32_t integer_digits_ = 0;  // Integer placeholders, a virtual one too.
   std::string fraction_placeholders_;  // '0'/'#' per decimal place.
   bool grouping_ = false;
+  bool plain_ = false;
+  bool plain_point_ = false;
+  int64_t plain_least_integer_digits_ = 0;
   // Date masks.
   bool twelve_hour_ = false;
   bool needs_weekday_ = false;

@@ -104,10 +104,35 @@ TEST(FormatTest, RandomNumbersRoundAsTheirFifteenDigitText) {
     double value = std::pow(10.0, magnitude(random));
     if (i % 3 == 0) value = std::round(value * 1000) / 1000 + 0.0005;  // halves
     if (i % 2 == 0) value = -value;
-    const std::string mask = decimals == 0 ? "0" : "0." + std::string(decimals, '0');
+    const std::string mask =
+        decimals == 0 ? "0" : "0." + std::string(decimals, '0');
     ASSERT_EQ(FormatMask::Compile(mask).FormatNumber(value),
               FifteenDigitRounding(value, decimals))
         << std::setprecision(17) << value << " at " << decimals;
+  }
+}
+
+// Masks of digit placeholders alone take a shorter way; a literal after
+// them sends the same number the general way, which must agree.
+TEST(FormatTest, PlainMasksWriteWhatTheGeneralWayWrites) {
+  std::mt19937_64 random(7);
+  std::uniform_real_distribution<double> magnitude(-8, 13);
+  const char* const masks[] = {
+      "0",  "#",     "##0.000",          ".00",        "#.00", "00000",
+      "0.", "000.0", "#0.0000000000000", "#####0.0000"};
+  for (const char* mask : masks) {
+    const FormatMask plain = FormatMask::Compile(mask);
+    const FormatMask general = FormatMask::Compile(std::string(mask) + "x");
+    for (int i = 0; i < 20000; ++i) {
+      double value = std::pow(10.0, magnitude(random));
+      if (i % 4 == 0) value = std::round(value * 100) / 100 + 0.005;
+      if (i % 5 == 0) value = std::round(value);
+      if (i % 2 == 0) value = -value;
+      if (i == 0) value = 0;
+      if (i == 1) value = -0.0;
+      ASSERT_EQ(plain.FormatNumber(value) + "x", general.FormatNumber(value))
+          << mask << " " << std::setprecision(17) << value;
+    }
   }
 }
 
