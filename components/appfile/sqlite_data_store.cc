@@ -374,7 +374,12 @@ Variant SqliteDataStore::Value(int32_t record, int variable) const {
     const double date_time = DateTime(record);
     return std::isnan(date_time) ? Variant::Null() : Variant::Date(date_time);
   }
-  if (const CachedCell* cell = EdgeCell(record, variable)) {
+  const CachedCell* const cell =
+      cache_ && variable >= 1 && variable <= VariableCount() &&
+              !columns_->IsLoaded(variable)
+          ? EdgeCell(record, variable)
+          : nullptr;
+  if (cell != nullptr) {
     if (cell->is_null) return Variant::Null();
     if (IsNumeric(variable)) return Variant(cell->number);
     return Variant(cell->text);
@@ -386,11 +391,6 @@ Variant SqliteDataStore::Value(int32_t record, int variable) const {
 
 const CachedCell* SqliteDataStore::EdgeCell(int32_t record,
                                             int variable) const {
-  // Only a column not read yet: once read, the column answers as fast.
-  if (!cache_ || variable < 1 || variable > VariableCount() ||
-      columns_->IsLoaded(variable)) {
-    return nullptr;
-  }
   const int32_t held = static_cast<int32_t>(cache_->RecordCount());
   if (record != 1 && record != held) return nullptr;
   const std::vector<CachedCell>* cells = cache_->EdgeRecord(record == held);

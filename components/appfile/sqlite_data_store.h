@@ -120,9 +120,9 @@ class SqliteDataStore : public DataStore, private ColumnLoader {
   RecordColumn LoadColumn(int variable) override;
   // A column of the records the cache holds, read from the data file.
   RecordColumn ReadCachedRecordsAgain(int variable);
-  // The cell of the first or last record the cache holds when its column
-  // is not read yet (a view's record bounds read only those); nullptr
-  // otherwise.
+  // The cell of the first or last record the cache holds (a view's record
+  // bounds read only those), asked while the column is not read yet;
+  // nullptr for another record. REQUIRES: cache_, variable valid.
   const CachedCell* EdgeCell(int32_t record, int variable) const;
 
   size_t Index(int32_t record) const { return static_cast<size_t>(record - 1); }

@@ -117,6 +117,18 @@ void CellStore::Clear() {
   boxed_.Clear();
 }
 
+std::optional<std::string_view> CellStore::TextAt(int32_t record,
+                                                 int32_t field) const {
+  const Cell& cell = Row(record)[field];
+  if (cell.tag == Tag::kShortText) {
+    return std::string_view(cell.payload, cell.size);
+  }
+  if (cell.tag == Tag::kLongText) {
+    return std::string_view(texts_.slots[GetNumber<uint32_t>(cell)]);
+  }
+  return std::nullopt;
+}
+
 Variant CellStore::Get(int32_t record, int32_t field) const {
   const Cell& cell = Row(record)[field];
   switch (cell.tag) {

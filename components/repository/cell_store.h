@@ -27,6 +27,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -75,6 +76,9 @@ class CellStore {
   void Clear();
 
   Variant Get(int32_t record, int32_t field) const;
+  // The cell's text when it holds one (no copy: valid until the cell
+  // changes); nullopt for any other value.
+  std::optional<std::string_view> TextAt(int32_t record, int32_t field) const;
   void Set(int32_t record, int32_t field, const Variant& value);
 
   // How many arena slots hold a value now (for tests of slot reuse).

@@ -14,6 +14,7 @@
 #include "core/dispatch.h"
 #include "core/error.h"
 #include "core/text.h"
+#include "repository/result_repository.h"
 
 namespace rz {
 namespace {
@@ -272,6 +273,14 @@ void RecordWriter::Flush() {
   buffer_.clear();
 }
 
+ResultRepository* RecordWriter::AsResults(Repository& repository) {
+  if (&repository != cast_from_) {
+    cast_from_ = &repository;
+    results_ = dynamic_cast<ResultRepository*>(&repository);
+  }
+  return results_;
+}
+
 void RecordWriter::Begin(Repository& repository) {
   field_count_ = repository.Fields().Count();
   records_written_ = 0;
@@ -299,8 +308,16 @@ void RecordWriter::Begin(Repository& repository) {
 
 void RecordWriter::Write(Repository& repository, int32_t record) {
   if (format_ == TextFormat::kCsv || format_ == TextFormat::kTsv) {
+    ResultRepository* const results = AsResults(repository);
     for (int32_t f = 1; f <= field_count_; ++f) {
       if (f > 1) buffer_ += Separator();
+      if (results != nullptr) {
+        // Our own repository gives a text cell without a copy.
+        if (const auto text = results->TextAt(record, f)) {
+          PutValue(*text);
+          continue;
+        }
+      }
       const Variant value = repository.Value(record, f);
       // A text is its own cell text: no copy.
       if (value.IsString()) {

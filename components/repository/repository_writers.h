@@ -57,6 +57,8 @@
 
 namespace rz {
 
+class ResultRepository;
+
 struct DateTimeColumns {
   bool first_two_are_date_time = false;
 };
@@ -87,6 +89,7 @@ class RecordWriter {
 
   char Separator() const;
   void PutValue(std::string_view text);
+  ResultRepository* AsResults(Repository& repository);
   void Flush();
 
   TextFormat format_;
@@ -96,6 +99,9 @@ class RecordWriter {
   int32_t field_count_ = 0;
   int64_t records_written_ = 0;
   std::vector<std::string> keys_;
+  // The last repository written from, and it as our own (or null).
+  Repository* cast_from_ = nullptr;
+  ResultRepository* results_ = nullptr;
 };
 
 // Every record of `repository` in `format`.

@@ -36,6 +36,12 @@ Variant ResultRepository::Value(int32_t record, int32_t field) {
   return cells_.Get(record - 1, field - 1);
 }
 
+std::optional<std::string_view> ResultRepository::TextAt(int32_t record,
+                                                        int32_t field) {
+  PrepareCell(record, field);
+  return cells_.TextAt(record - 1, field - 1);
+}
+
 void ResultRepository::SetValue(int32_t record, int32_t field,
                                 const Variant& value) {
   PrepareCell(record, field);

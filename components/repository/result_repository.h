@@ -51,6 +51,9 @@ class ResultRepository : public Repository {
 
   int32_t RecordCount() const override { return cells_.RecordCount(); }
   Variant Value(int32_t record, int32_t field) override;
+  // Value's text without a copy when the cell holds a text (valid until
+  // the cell changes); nullopt for any other value. Raises as Value.
+  std::optional<std::string_view> TextAt(int32_t record, int32_t field);
   void SetValue(int32_t record, int32_t field, const Variant& value) override;
   void DeleteRecord(int32_t record) override;
   void SetSourceRecord(int32_t record, int32_t source) override;
