@@ -387,31 +387,24 @@ bool FormatMask::FormatPlainNumber(double value, std::string* out) const {
   const size_t decimals = fraction_placeholders_.size();
   uint64_t rounded = 0;
   if (!RoundScaled(value, decimals, &rounded)) return false;
-  const auto scale = static_cast<uint64_t>(kPowersOfTen[decimals]);
-  const uint64_t whole = rounded / scale;
-  const uint64_t fraction = rounded % scale;
-  // At most a sign, 20 integer digits, a point and 14 decimals.
+  // Written from the right: the decimals, the point, the integer digits
+  // (at least the mask's "0"s; none for a zero integer part otherwise),
+  // the sign. At most a sign, 20 integer digits, a point and 14 decimals.
   char text[48];
-  char* at = text;
-  if (value < 0 && rounded != 0) *at++ = '-';
-  char digits[24];
-  char* const digits_end =
-      whole == 0 ? digits : std::to_chars(digits, digits + 24, whole).ptr;
-  const auto integer_count = static_cast<int64_t>(digits_end - digits);
-  if (integer_count < plain_least_integer_digits_) {
-    at = std::fill_n(at, plain_least_integer_digits_ - integer_count, '0');
+  char* const end = text + sizeof text;
+  char* at = end;
+  const bool minus = value < 0 && rounded != 0;
+  for (size_t k = 0; k < decimals; ++k) {
+    *--at = static_cast<char>('0' + rounded % 10);
+    rounded /= 10;
   }
-  at = std::copy(digits, digits_end, at);
-  if (plain_point_) *at++ = '.';
-  if (decimals > 0) {
-    char* const fraction_end = std::to_chars(digits, digits + 24, fraction).ptr;
-    const auto fraction_count = static_cast<size_t>(fraction_end - digits);
-    if (fraction_count < decimals) {
-      at = std::fill_n(at, decimals - fraction_count, '0');
-    }
-    at = std::copy(digits, fraction_end, at);
+  if (plain_point_) *--at = '.';
+  for (int64_t k = 0; rounded > 0 || k < plain_least_integer_digits_; ++k) {
+    *--at = static_cast<char>('0' + rounded % 10);
+    rounded /= 10;
   }
-  out->assign(text, at);
+  if (minus) *--at = '-';
+  out->assign(at, end);
   return true;
 }
 
