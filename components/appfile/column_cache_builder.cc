@@ -114,6 +114,17 @@ void ColumnCacheBuilder::PutCode(size_t index, const CachedCell& cell) {
   if (state.too_many_entries) return;
   const std::string_view text =
       cell.is_null ? std::string_view() : std::string_view(cell.text);
+  // Records often repeat the text before (a date): no lookup then.
+  if (state.last_code < state.entry_ends.size()) {
+    const size_t begin =
+        state.last_code == 0 ? 0 : state.entry_ends[state.last_code - 1];
+    const std::string_view last(state.entry_arena.data() + begin,
+                                state.entry_ends[state.last_code] - begin);
+    if (last == text) {
+      Put(code_sections_[index], &state.last_code, sizeof state.last_code);
+      return;
+    }
+  }
   auto found = state.entry_ids.find(text);
   if (found == state.entry_ids.end()) {
     if (state.entry_ids.size() == ColumnCache::kMaxEntries) {
@@ -132,8 +143,8 @@ void ColumnCacheBuilder::PutCode(size_t index, const CachedCell& cell) {
     state.entry_arena += text;
     state.entry_ends.push_back(state.entry_arena.size());
   }
-  const uint32_t code = found->second;
-  Put(code_sections_[index], &code, sizeof code);
+  state.last_code = found->second;
+  Put(code_sections_[index], &state.last_code, sizeof state.last_code);
 }
 
 void ColumnCacheBuilder::Put(Section& section, const void* data, size_t bytes) {

@@ -92,6 +92,7 @@ class ColumnCacheBuilder {
         entry_ids;
     std::vector<size_t> entry_ends;
     std::string entry_arena;
+    uint32_t last_code = UINT32_MAX;  // the entry of the record before
   };
 
   void Put(Section& section, const void* data, size_t bytes);
