@@ -3,6 +3,7 @@
 #include "repository/repository_writers.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -121,20 +122,32 @@ Json JsonValue(const Variant& value) {
   }
 }
 
-// True when `text` holds one of the characters of `set` (a plain loop: the
-// library's find_first_of calls memchr once per character of `text`).
+// A set of bytes as a table, so that testing a text costs one load a
+// character (the library's find_first_of calls memchr once per
+// character of the text).
+using ByteSet = std::array<bool, 256>;
+
 template <size_t N>
-bool HoldsAnyOf(std::string_view text, const char (&set)[N]) {
-  for (char c : text) {
-    for (size_t i = 0; i + 1 < N; ++i) {
-      if (c == set[i]) return true;
-    }
+constexpr ByteSet MakeByteSet(const char (&bytes)[N]) {
+  ByteSet set{};
+  for (size_t i = 0; i + 1 < N; ++i) {
+    set[static_cast<unsigned char>(bytes[i])] = true;
+  }
+  return set;
+}
+
+constexpr ByteSet kCsvQuoted = MakeByteSet(",\"\r\n");
+constexpr ByteSet kEscaped = MakeByteSet("\t\n\r\\");
+
+bool HoldsAnyOf(std::string_view text, const ByteSet& set) {
+  for (const char c : text) {
+    if (set[static_cast<unsigned char>(c)]) return true;
   }
   return false;
 }
 
 void PutCsvValue(std::string_view text, std::string& out) {
-  if (!HoldsAnyOf(text, ",\"\r\n")) {
+  if (!HoldsAnyOf(text, kCsvQuoted)) {
     out += text;
     return;
   }
@@ -149,7 +162,7 @@ void PutCsvValue(std::string_view text, std::string& out) {
 // Tab, line feed and CR as escapes; with `backslash`, "\" too; appended to
 // `out`.
 void AppendEscaped(std::string_view text, bool backslash, std::string& out) {
-  if (!HoldsAnyOf(text, "\t\n\r\\")) {
+  if (!HoldsAnyOf(text, kEscaped)) {
     out += text;
     return;
   }
