@@ -34,11 +34,6 @@ int64_t CharacterCount(std::string_view text) {
   return count;
 }
 
-std::string TwoDigits(int value) {
-  return std::string(1, static_cast<char>('0' + value / 10)) +
-         static_cast<char>('0' + value % 10);
-}
-
 // The number of digits before and after the point of a plain number.
 struct NumberParts {
   bool negative = false;
@@ -190,7 +185,8 @@ class CsvImporter {
     values->emplace_back(date);
     values->emplace_back(time);
     for (size_t v = 0; v < value_columns_.size(); ++v) {
-      const std::string text = Trim(record_.fields[value_columns_[v]]);
+      const std::string_view text =
+          TrimSpaces(record_.fields[value_columns_[v]]);
       if (text.empty()) {
         values->push_back(Variant::Null());
       } else if (numeric_[v]) {
@@ -217,7 +213,7 @@ class CsvImporter {
     for (size_t v = 0; v < value_columns_.size(); ++v) {
       const std::string& field = record.fields[value_columns_[v]];
       NoteText(field);
-      shapes_[v].Add(Trim(field));
+      shapes_[v].Add(TrimSpaces(field));
     }
   }
 
@@ -271,7 +267,8 @@ class CsvImporter {
     }
     const std::string date = NeedValue(record, columns_.date, "the date");
     std::optional<std::string> date_text = ParseDateText(date);
-    if (!date_text) BadValue(record, columns_.date, date, "a date (yyyy-mm-dd)");
+    if (!date_text)
+      BadValue(record, columns_.date, date, "a date (yyyy-mm-dd)");
     const std::string time = NeedValue(record, columns_.time, "the time");
     std::optional<std::string> time_text = ParseTimeText(time);
     if (!time_text) BadValue(record, columns_.time, time, "a time (hh:mm:ss)");
@@ -292,10 +289,9 @@ class CsvImporter {
     for (size_t v = 0; v < value_columns_.size(); ++v) {
       const ColumnShape shape = shapes_[v].Shape(windows_1252_);
       numeric_.push_back(shape.type == "N");
-      application.variables.push_back(
-          NewVariable(names.Take(header_[value_columns_[v]], value_columns_[v]),
-                      shape.type, shape.length, shape.decimals,
-                      static_cast<int>(v) + 3, 0));
+      application.variables.push_back(NewVariable(
+          names.Take(header_[value_columns_[v]], value_columns_[v]), shape.type,
+          shape.length, shape.decimals, static_cast<int>(v) + 3, 0));
     }
     return application;
   }
@@ -331,11 +327,18 @@ bool CsvTextSource::Next(CsvRecord* record) {
 void ColumnShapeAccumulator::Add(std::string_view value) {
   if (value.empty()) return;
   any_ = true;
-  longest_ = std::max(longest_, CharacterCount(value));
-  longest_bytes_ = std::max(longest_bytes_, static_cast<int64_t>(value.size()));
+  const auto bytes = static_cast<int64_t>(value.size());
+  // A text has no more characters than bytes: only a long one is counted.
+  if (bytes > longest_) longest_ = std::max(longest_, CharacterCount(value));
+  longest_bytes_ = std::max(longest_bytes_, bytes);
   if (!numeric_) return;
   std::optional<NumberParts> parts = SplitPlainNumber(value);
-  if (!parts || !ParsePlainNumber(value)) {
+  // Up to 300 digits before and after the point a plain number lies
+  // within the double range; only a longer one needs reading to tell.
+  const bool in_range =
+      parts && ((parts->integer_digits <= 300 && parts->decimals <= 300) ||
+                ParsePlainNumber(value));
+  if (!in_range) {
     numeric_ = false;
     return;
   }
@@ -346,8 +349,8 @@ void ColumnShapeAccumulator::Add(std::string_view value) {
 
 ColumnShape ColumnShapeAccumulator::Shape(bool windows_1252) const {
   if (!any_ || !numeric_) {
-    return ColumnShape{"T", ClampLength(windows_1252 ? longest_bytes_ : longest_),
-                       0};
+    return ColumnShape{
+        "T", ClampLength(windows_1252 ? longest_bytes_ : longest_), 0};
   }
   const int64_t length = integer_digits_ + decimals_ + (negative_ ? 1 : 0) +
                          (decimals_ > 0 ? 1 : 0);
@@ -409,7 +412,13 @@ std::optional<std::string> ParseTimeText(std::string_view text) {
   const int minute = number(minute_text);
   const int second = number(second_text);
   if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
-  return TwoDigits(hour) + ":" + TwoDigits(minute) + ":" + TwoDigits(second);
+  std::string canonical = "00:00:00";
+  for (const auto& [at, value] :
+       {std::pair{0, hour}, {3, minute}, {6, second}}) {
+    canonical[at] = static_cast<char>('0' + value / 10);
+    canonical[at + 1] = static_cast<char>('0' + value % 10);
+  }
+  return canonical;
 }
 
 std::optional<std::pair<std::string, std::string>> ParseDateTimeText(
@@ -482,8 +491,8 @@ DateTimeColumns ChosenDateTimeColumns(const std::vector<std::string>& header,
                                    ": no column of that name or number");
   };
   if (!choice.combined.empty()) {
-    return DateTimeColumns{-1, -1, column_of(choice.combined,
-                                              "--datetime-column")};
+    return DateTimeColumns{-1, -1,
+                           column_of(choice.combined, "--datetime-column")};
   }
   const int date = column_of(choice.date, "--date-column");
   const int time = column_of(choice.time, "--time-column");

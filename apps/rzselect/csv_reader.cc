@@ -66,9 +66,9 @@ bool CsvParser::ParseField() {
   if (text_[pos_] == ',') {
     ++pos_;
     if (record_.fields.size() + 1 >= kMaxFields) {
-      throw Error::MalformedLine(file_name_, record_.line,
-                                 "more than " + std::to_string(kMaxFields) +
-                                     " fields in a record");
+      throw Error::MalformedLine(
+          file_name_, record_.line,
+          "more than " + std::to_string(kMaxFields) + " fields in a record");
     }
     record_.fields.push_back(std::move(field_));
     field_.clear();
@@ -99,8 +99,8 @@ void CsvParser::ParseQuoted() {
       ++pos_;
       break;
     }
-    if (c == '\n' || (c == '\r' && (pos_ + 1 >= text_.size() ||
-                                    text_[pos_ + 1] != '\n'))) {
+    if (c == '\n' ||
+        (c == '\r' && (pos_ + 1 >= text_.size() || text_[pos_ + 1] != '\n'))) {
       ++line_;
     }
     field_ += c;
@@ -136,6 +136,10 @@ void CsvParser::EndRecord() {
 
 bool IsValidUtf8(std::string_view bytes) {
   size_t pos = 0;
+  // Plain ASCII, the usual case, a byte at a time without decoding.
+  while (pos < bytes.size() && static_cast<unsigned char>(bytes[pos]) < 0x80) {
+    ++pos;
+  }
   while (pos < bytes.size()) {
     if (utf8::IsInvalidByte(utf8::NextChar(bytes, &pos))) return false;
   }

@@ -170,8 +170,9 @@ void ApplicationFile::CreateNew(std::string_view path) {
   }
   const std::string data_path = DataPathFor(target);
   CheckRecordsColumnCount(data_path, variables.size());
-  writer_ = std::make_unique<ApplicationWriter>(target, data_path,
-                                                NumericFlags(variables));
+  writing_numeric_ = NumericFlags(variables);
+  writer_ =
+      std::make_unique<ApplicationWriter>(target, data_path, writing_numeric_);
   replacement_ = std::move(replacement);
   path_ = template_path;
   state_ = State::kWriting;
@@ -196,6 +197,7 @@ void ApplicationFile::ResetToClosed() {
   state_ = State::kClosed;
   store_.reset();
   writer_.reset();
+  writing_numeric_.clear();
   replacement_.reset();
   filter_.reset();
   template_ = AppTemplate();
@@ -740,8 +742,9 @@ void ApplicationFile::CheckVariable(int16_t variable, int16_t lowest) const {
 }
 
 bool ApplicationFile::IsNumericVariable(int16_t variable) const {
-  return variable > 2 &&
-         IsNumericType(template_.variables[variable - 1]->TypeLetter());
+  // As the data file's columns were made when the writing began.
+  const auto index = static_cast<size_t>(variable - 1);
+  return index < writing_numeric_.size() && writing_numeric_[index];
 }
 
 }  // namespace rz

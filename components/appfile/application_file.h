@@ -226,6 +226,7 @@ class ApplicationFile final : public AppFile, public ScriptReachable {
   void RefreshRecords() const;
   void EnsureFilter() const;
   void SaveViews();
+  // While writing: whether the data file keeps variable `variable` as numbers.
   bool IsNumericVariable(int16_t variable) const;
   SummarySettings CurrentSummarySettings() const;
   RecordList SelectRecords() const;
@@ -245,6 +246,7 @@ class ApplicationFile final : public AppFile, public ScriptReachable {
   State state_ = State::kClosed;
   std::unique_ptr<DataStore> store_;           // while reading
   std::unique_ptr<ApplicationWriter> writer_;  // while writing
+  std::vector<bool> writing_numeric_;          // while writing
   // While writing over an existing application: its staging folder.
   std::unique_ptr<ApplicationReplacement> replacement_;
   // Navigation: position 0 is before the first record, RecordCount() + 1

@@ -92,7 +92,10 @@ class SqliteDataWriter : public DataWriter {
  public:
   SqliteDataWriter(const std::string& path, std::vector<bool> numeric,
                    ColumnCacheBuilder* cache)
-      : path_(path), numeric_(std::move(numeric)), cache_(cache) {
+      : path_(path),
+        numeric_(std::move(numeric)),
+        cache_(cache),
+        texts_(numeric_.size()) {
     try {
       db_ = std::make_unique<SqliteDb>(path_, SQLITE_OPEN_READWRITE |
                                                   SQLITE_OPEN_CREATE |
@@ -192,7 +195,10 @@ class SqliteDataWriter : public DataWriter {
     if (cache_ != nullptr) cache_->SetNull(variable);
   }
   void BindText(int variable, const std::string& text) {
-    insert_->BindText(variable, text);
+    // Kept until the next record's binding: SQLite need not copy it.
+    std::string& kept = texts_[static_cast<size_t>(variable - 1)];
+    kept.assign(text);
+    insert_->BindTextKept(variable, kept);
     if (cache_ != nullptr) cache_->SetText(variable, text);
   }
   void BindDouble(int variable, double number) {
@@ -215,7 +221,8 @@ class SqliteDataWriter : public DataWriter {
   std::vector<bool> numeric_;
   std::unique_ptr<SqliteDb> db_;
   std::unique_ptr<SqliteStatement> insert_;
-  ColumnCacheBuilder* cache_;  // not owned; may be null
+  ColumnCacheBuilder* cache_;       // not owned; may be null
+  std::vector<std::string> texts_;  // the texts bound to insert_
   bool committed_ = false;
 };
 

@@ -172,6 +172,11 @@ void SqliteStatement::BindInt64(int index, int64_t value) {
   CheckBind(sqlite3_bind_int64(stmt_, index, value));
 }
 
+void SqliteStatement::BindTextKept(int index, std::string_view text) {
+  CheckBind(sqlite3_bind_text64(stmt_, index, text.data(), text.size(),
+                                SQLITE_STATIC, SQLITE_UTF8));
+}
+
 void SqliteStatement::BindText(int index, std::string_view text) {
   CheckBind(sqlite3_bind_text64(stmt_, index, text.data(), text.size(),
                                 SQLITE_TRANSIENT, SQLITE_UTF8));

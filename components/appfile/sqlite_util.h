@@ -84,6 +84,9 @@ class SqliteStatement {
   void BindDouble(int index, double value);
   void BindInt64(int index, int64_t value);
   void BindText(int index, std::string_view text);
+  // BindText without a copy: `text` must stay unchanged until the
+  // statement is stepped and reset or bound again.
+  void BindTextKept(int index, std::string_view text);
 
   // The cells of the current row (0-based columns). ColumnType is one of
   // SQLITE_INTEGER, SQLITE_FLOAT, SQLITE_TEXT, SQLITE_BLOB, SQLITE_NULL.
