@@ -25,6 +25,12 @@ std::vector<std::string> Names(const NewApplication& application) {
   return names;
 }
 
+// Numbers of many digits: a plain number of up to 300 digits before and
+// after the point always fits a double; a longer one is read to tell.
+const std::string kDigits300 = "1" + std::string(299, '0');
+const std::string kDigits400 = "1" + std::string(399, '0');
+const std::string kTiny400 = "0." + std::string(399, '0') + "1";
+
 TEST(CsvImportTest, InfersTypeLengthAndDecimals) {
   struct Case {
     const char* name;
@@ -47,6 +53,18 @@ TEST(CsvImportTest, InfersTypeLengthAndDecimals) {
       {"lone point is text", {"."}, {"T", 1, 0}},
       {"two points are text", {"1.2.3"}, {"T", 5, 0}},
       {"text length counts characters", {"caf\xC3\xA9", "ab"}, {"T", 4, 0}},
+      {"a short text after a long one",
+       {"caf\xC3\xA9s", "\xC3\xA9"},
+       {"T", 5, 0}},
+      {"300 digits are still a number",
+       {std::string_view(kDigits300)},
+       {"N", 300, 0}},
+      {"a number beyond the double range is text",
+       {std::string_view(kDigits400)},
+       {"T", 400, 0}},
+      {"400 decimals of a small number are text",
+       {std::string_view(kTiny400)},
+       {"T", 402, 0}},
       {"no values at all", {"", ""}, {"T", 1, 0}},
       {"no rows", {}, {"T", 1, 0}},
   };
@@ -165,11 +183,14 @@ TEST(CsvImportTest, ChosenDateAndTimeColumns) {
       {{"2", "3", ""}, DateTimeColumns{1, 2, -1}, ""},
       {{"", "", "v"}, DateTimeColumns{-1, -1, 3}, ""},
       {{"", "", "4"}, DateTimeColumns{-1, -1, 3}, ""},
-      {{"Day", "Hour", ""}, std::nullopt,
+      {{"Day", "Hour", ""},
+       std::nullopt,
        "in.csv:1: --time-column 'Hour': no column of that name or number"},
-      {{"", "", "5"}, std::nullopt,
+      {{"", "", "5"},
+       std::nullopt,
        "in.csv:1: --datetime-column '5': no column of that name or number"},
-      {{"Day", "2", ""}, std::nullopt,
+      {{"Day", "2", ""},
+       std::nullopt,
        "in.csv:1: the date and the time must be two columns"},
   };
   for (const Case& c : cases) {

@@ -69,7 +69,8 @@ TEST(CsvReaderTest, ReportsMalformedQuotesWithTheirLine) {
       {"unterminated over lines", "a\n\"x\ny\nz", "d.csv:2: "},
       {"text after closing quote", "a,b\n1,2\n\"x\"y,3\n", "d.csv:3: "},
       {"text after a multi-line field", "a\n\"x\ny\"z\n", "d.csv:3: "},
-      {"a field of more than 16 MiB", "a\nb\n" + std::string(16 << 20, 'x') + "y\n",
+      {"a field of more than 16 MiB",
+       "a\nb\n" + std::string(16 << 20, 'x') + "y\n",
        "d.csv:3: a field longer than 16 MiB"},
       {"a quoted field of more than 16 MiB",
        "a\n\"" + std::string((16 << 20) + 1, '\n') + "\"\n",
@@ -128,6 +129,11 @@ TEST(CsvReaderTest, Utf8Validity) {
       {"\xC0\xAF", false},          // overlong
       {"\xED\xA0\x80", false},      // surrogate
       {"\xF4\x90\x80\x80", false},  // above U+10FFFF
+      // Plain ASCII is passed over before any decoding starts.
+      {"plain then \xC3\xA9", true},
+      {"plain then \x80", false},
+      {"plain then cut \xE2\x82", false},
+      {"\xC3\xA9 then plain", true},
   };
   for (const Case& row : cases) {
     EXPECT_EQ(IsValidUtf8(row.bytes), row.valid)

@@ -40,7 +40,7 @@ const FileSet kOldApplication = {
     {"line4.rzt", "old template"},    {"line4.rzd", "old data"},
     {"line4.rzd-wal", "old journal"}, {"line4.rzd-shm", "old index"},
     {"line4.V1", "old view 1"},       {"line4.v12", "old view 12"},
-    {"line4.rzt.rzx", "old script"}};
+    {"line4.rzt.rzx", "old script"},  {"line4.rzc", "old column cache"}};
 
 // Files beside the application that are not part of it.
 const FileSet kOtherFiles = {{"other.rzt", "another application"},
@@ -53,7 +53,8 @@ const FileSet kOtherFiles = {{"other.rzt", "another application"},
 const FileSet kNewApplication = {{"line4.rzt", "new template"},
                                  {"line4.rzd", "new data"},
                                  {"line4.V1", "new view 1"},
-                                 {"line4.V2", "new view 2"}};
+                                 {"line4.V2", "new view 2"},
+                                 {"line4.rzc", "new column cache"}};
 
 FileSet Union(FileSet a, const FileSet& b) {
   a.insert(b.begin(), b.end());
@@ -116,8 +117,8 @@ class ApplicationReplaceTest : public ::testing::Test {
 
 TEST_F(ApplicationReplaceTest, ListsExactlyTheApplicationsFiles) {
   const std::vector<std::string> expected = {
-      "line4.V1",  "line4.rzd",     "line4.rzd-shm", "line4.rzd-wal",
-      "line4.rzt", "line4.rzt.rzx", "line4.v12"};
+      "line4.V1",      "line4.rzc", "line4.rzd",     "line4.rzd-shm",
+      "line4.rzd-wal", "line4.rzt", "line4.rzt.rzx", "line4.v12"};
   EXPECT_EQ(ExistingApplicationFiles(Template()), expected);
   EXPECT_TRUE(
       ExistingApplicationFiles(temp_.File("missing/line4.rzt")).empty());
@@ -226,7 +227,8 @@ TEST_F(ApplicationReplaceTest, TemporariesOfLiveProcessesAreKept) {
   const FileSet abandoned = {{"line4.V3.tmp-" + dead + "-2", "cut short"},
                              {"line4.rzt.tmp-" + dead + "-1", "cut short"},
                              {"line4.rzd.tmp-" + dead + "-4", "cut short"},
-                             {"line4.rzd.tmp-" + dead + "-4-wal", "journal"}};
+                             {"line4.rzd.tmp-" + dead + "-4-wal", "journal"},
+                             {"line4.rzc.tmp-" + dead + "-5", "cache spool"}};
   const FileSet kept = {{"line4.V3.tmp-" + alive + "-2", "being written"},
                         {"other.rzt.tmp-" + dead + "-1", "not this one's"},
                         {"line4.V3.tmp-" + dead, "no number"}};

@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "appfile/record_columns.h"
 #include "appfile/sqlite_util.h"
 #include "support/error_number.h"
 
@@ -523,6 +524,52 @@ TEST(LimitsOfTest, TakesTheFiveLimitsTheStatisticsUse) {
   EXPECT_EQ(limits.tgt, L("f", 10));
   EXPECT_EQ(limits.lcl, L("B", 8));
   EXPECT_EQ(limits.lsl, L("F", 7));
+}
+
+// A text column kept coded (its distinct texts and an entry per record,
+// as the column cache keeps texts that repeat) gives what its plain form
+// gives, blank entries included.
+class OneColumnLoader : public ColumnLoader {
+ public:
+  explicit OneColumnLoader(RecordColumn column) : column_(std::move(column)) {}
+  RecordColumn LoadColumn(int) override { return column_; }
+
+ private:
+  RecordColumn column_;
+};
+
+TEST(ColumnStatisticsTest, CodedTextsGiveWhatPlainTextsGive) {
+  const std::vector<std::optional<std::string>> texts = {
+      "  ", "b", "", std::nullopt, "a ", "b", " ", "c", "", std::nullopt};
+  RecordColumn plain(false);
+  RecordColumn coded{NullMask(), ColumnBuffer<uint32_t>(),
+                     ColumnBuffer<size_t>(), ColumnBuffer<char>()};
+  ASSERT_TRUE(coded.Coded());
+  for (const auto& text : texts) {
+    for (RecordColumn* column : {&plain, &coded}) {
+      if (text) {
+        column->AppendText(*text);
+      } else {
+        column->AppendNull();
+      }
+    }
+  }
+  ColumnBuffer<double> date_times;
+  for (size_t i = 0; i < texts.size(); ++i) date_times.push_back(1.0 * i);
+  OneColumnLoader plain_loader(plain);
+  OneColumnLoader coded_loader(coded);
+  const RecordColumns plain_columns({false}, date_times, 10, &plain_loader);
+  const RecordColumns coded_columns({false}, date_times, 10, &coded_loader);
+  const std::vector<std::vector<int32_t>> spans = {
+      {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, {0, 2, 3, 6}, {7, 1}, {}, {4}};
+  for (const std::vector<int32_t>& span : spans) {
+    SCOPED_TRACE(testing::PrintToString(span));
+    EXPECT_EQ(TextStatistics(coded_columns, 1, span),
+              TextStatistics(plain_columns, 1, span));
+  }
+  EXPECT_EQ(TextStatistics(coded_columns, 1, spans[0])[Count], Variant(4));
+  EXPECT_EQ(coded_columns.Column(1).FoldedCodes(),
+            plain_columns.Column(1).FoldedCodes());
 }
 
 }  // namespace
