@@ -63,7 +63,7 @@ namespace rz {
 
 class SqliteDb;
 
-class SqliteDataStore : public DataStore, private ColumnLoader {
+class SqliteDataStore final : public DataStore, private ColumnLoader {
  public:
   // Opens and loads the data file; see DataStore::Open.
   static std::unique_ptr<SqliteDataStore> Open(const std::string& path,

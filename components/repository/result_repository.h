@@ -41,7 +41,7 @@
 
 namespace rz {
 
-class ResultRepository : public Repository {
+class ResultRepository final : public Repository {
  public:
   ResultRepository();
   ResultRepository(const ResultRepository&) = delete;
