@@ -14,9 +14,11 @@
 // come from the system's file cache as they are touched), so a cache
 // replaced by another process while a view runs stays what it was for that
 // reader. Every section carries a checksum that is checked when it is
-// read; the structure a reader relies on (sizes, text offsets) is checked
-// too, so a file made to pass the checksums still cannot make a reader
-// read outside its columns.
+// read; the structure a reader relies on (sizes, text offsets, entry
+// numbers of coded texts) is checked too, so a file made to pass the
+// checksums still cannot make a reader read outside its columns. Beside
+// the columns the cache keeps the first and last records' cells
+// (EdgeRecord), and texts that repeat are kept coded (Kind).
 //
 // Write returns false when the cache cannot be written (a read-only
 // folder, a full disk): a cache is an optimisation and its absence is
