@@ -2,6 +2,9 @@
 
 #include "rzselect/csv_reader.h"
 
+#include <algorithm>
+#include <array>
+
 #include "core/codec.h"
 #include "core/error.h"
 #include "core/text.h"
@@ -15,6 +18,15 @@ constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
 // field or the record would only exhaust the memory.
 constexpr size_t kMaxFieldBytes = size_t{16} << 20;
 constexpr size_t kMaxFields = 32767;
+
+// The bytes that end an unquoted field.
+constexpr std::array<bool, 256> kFieldEnds = [] {
+  std::array<bool, 256> ends{};
+  ends[static_cast<unsigned char>(',')] = true;
+  ends[static_cast<unsigned char>('\n')] = true;
+  ends[static_cast<unsigned char>('\r')] = true;
+  return ends;
+}();
 
 }  // namespace
 
@@ -56,10 +68,13 @@ bool CsvParser::ParseField() {
   if (text_[pos_] == '"') {
     ParseQuoted();
   } else {
+    // To the next comma or line end, a byte table test a character.
     const size_t begin = pos_;
-    while (pos_ < text_.size() && text_[pos_] != ',' && !AtLineEnd()) {
-      if (++pos_ - begin > kMaxFieldBytes) FieldTooLong(line_);
+    const size_t end = std::min(text_.size(), begin + kMaxFieldBytes + 1);
+    while (pos_ < end && !kFieldEnds[static_cast<unsigned char>(text_[pos_])]) {
+      ++pos_;
     }
+    if (pos_ - begin > kMaxFieldBytes) FieldTooLong(line_);
     field_.append(text_.substr(begin, pos_ - begin));
   }
   if (pos_ >= text_.size()) return false;
