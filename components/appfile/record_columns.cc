@@ -294,8 +294,8 @@ void RecordColumn::Append(const RecordColumn& other, size_t other_count) {
 }
 
 size_t RecordColumn::TextBytes(size_t count) const {
-  size_t bytes = 0;
   if (!coded_) return count == 0 ? 0 : ends_[count - 1];
+  size_t bytes = 0;
   for (size_t i = 0; i < count; ++i) bytes += Text(i).size();
   return bytes;
 }
