@@ -128,7 +128,8 @@ void RequireAnswers(ViewState& state) {
 class OutputFile {
  public:
   explicit OutputFile(const std::string& path)
-      : path_(path), temporary_(path + ".tmp-" + std::to_string(::getpid())) {
+      : path_(path), temporary_(TemporaryNameFor(path)) {
+    DeleteAbandonedTemporaries(path_);  // of runs that were killed
     stream_.open(temporary_, std::ios::binary | std::ios::trunc);
     if (!stream_) throw FileWriteError(errno, path_);
   }
@@ -269,10 +270,9 @@ void RunViewCommand(Platform& platform, const RunOptions& options,
   std::shared_ptr<Platform> base(&platform, [](Platform*) {});
   std::shared_ptr<RZselect> engine = PrepareViewRun(base, options);
   std::shared_ptr<Repository> repository = platform.CreateRepository();
-  const bool events =
-      options.events ||
-      (*format != TextFormat::kTable &&
-       OnlyThisCommandReadsTheResult(*engine, !options.no_hooks));
+  const bool events = options.events || (*format != TextFormat::kTable &&
+                                         OnlyThisCommandReadsTheResult(
+                                             *engine, !options.no_hooks));
   if (options.output.empty()) {
     WriteResult(*engine, repository, *format, events, out);
   } else {

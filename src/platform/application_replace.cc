@@ -345,6 +345,21 @@ ApplicationReadLock::ApplicationReadLock(std::string_view template_path) {
   lock_ = FolderLock::Acquire(names.folder, LockMode::kShared);
 }
 
+void DeleteAbandonedTemporaries(std::string_view path) {
+  const std::string normalized = NormalizePath(path);
+  const std::string folder = ParentFolder(normalized);
+  const std::string prefix =
+      normalized.substr(folder.size()) + std::string(kStagingTag);
+  for (const Entry& entry : ListFolder(folder)) {
+    if (entry.is_folder || !entry.name.starts_with(prefix)) continue;
+    const std::optional<pid_t> owner =
+        OwnerProcess(std::string_view(entry.name).substr(prefix.size()));
+    if (owner && ProcessEnded(*owner)) {
+      DeleteFileQuietly(JoinPath(folder, entry.name));
+    }
+  }
+}
+
 bool ApplicationHasLeftovers(std::string_view template_path) {
   return HasLeftovers(NamesOf(template_path));
 }

@@ -85,6 +85,13 @@ class ApplicationReadLock {
   FolderLock lock_;
 };
 
+// Deletes what atomic writes of the file `path` (of any kind: a result
+// written by `rzselect run -o`, say) left when their process was killed:
+// the files path + ".tmp-<pid>-<n>" whose process <pid> has ended
+// (TemporaryNameFor). Never throws; a folder that cannot be read or
+// written is left as it is.
+void DeleteAbandonedTemporaries(std::string_view path);
+
 // True when a replacement of the application at `template_path` left
 // something for RecoverApplication to finish or remove (read without the
 // folder lock: a writer that only needs recovery when something is left

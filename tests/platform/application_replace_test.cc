@@ -247,6 +247,28 @@ TEST_F(ApplicationReplaceTest, TemporariesOfLiveProcessesAreKept) {
   EXPECT_EQ(Snapshot(dir_), expected) << Describe(Snapshot(dir_));
 }
 
+// Any file written atomically (a result of `rzselect run -o`) loses the
+// temporaries of killed writers, and only those.
+TEST_F(ApplicationReplaceTest, AbandonedTemporariesOfAnyFileAreDeleted) {
+  const pid_t ended = ::fork();
+  if (ended == 0) ::_exit(0);
+  ::waitpid(ended, nullptr, 0);
+  const std::string dead = std::to_string(ended);
+  const std::string alive = std::to_string(::getpid());
+  const FileSet abandoned = {{"out.csv.tmp-" + dead + "-1", "cut short"},
+                             {"out.csv.tmp-" + dead + "-7", "cut short"}};
+  const FileSet kept = {{"out.csv", "the last result"},
+                        {"out.csv.tmp-" + alive + "-1", "being written"},
+                        {"out.csv.tmp-" + dead, "no number"},
+                        {"out.csvx.tmp-" + dead + "-1", "another file's"},
+                        {"other.csv.tmp-" + dead + "-1", "another file's"}};
+  WriteFiles(dir_, Union(abandoned, kept));
+  DeleteAbandonedTemporaries(dir_ + "/out.csv");
+  EXPECT_EQ(Snapshot(dir_), Union(Union(kOldApplication, kOtherFiles), kept))
+      << Describe(Snapshot(dir_));
+  DeleteAbandonedTemporaries(temp_.File("missing/out.csv"));  // no throw
+}
+
 TEST_F(ApplicationReplaceTest, AStagedDataFileStillOpenIsRefused) {
   FileSet staged = kNewApplication;
   staged["line4.rzd-wal"] = "pages not yet in the file";
