@@ -74,12 +74,6 @@ class ColumnCacheBuilder {
     uint64_t bytes = 0;
     CacheChecksummer checksum;
   };
-  struct TextHash {
-    using is_transparent = void;
-    size_t operator()(std::string_view text) const {
-      return std::hash<std::string_view>()(text);
-    }
-  };
   // The running state of a variable's column.
   struct ColumnState {
     uint64_t null_word = 0;  // the nulls of the records since the last 64

@@ -143,6 +143,15 @@ class ColumnBuffer {
   std::shared_ptr<const void> keep_;  // set while borrowing
 };
 
+// Hashes texts so that a map keyed by std::string is searched with a
+// string_view, without a copy.
+struct TextHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view text) const {
+    return std::hash<std::string_view>()(text);
+  }
+};
+
 // One bit per record.
 class NullMask {
  public:
@@ -271,12 +280,6 @@ class RecordColumn {
 
   // FoldedCodes: the codes, the code of each folded text, and the code of
   // each text as it is stored (most records repeat a few texts).
-  struct TextHash {
-    using is_transparent = void;
-    size_t operator()(std::string_view text) const {
-      return std::hash<std::string_view>()(text);
-    }
-  };
   using CodeMap =
       std::unordered_map<std::string, int32_t, TextHash, std::equal_to<>>;
   mutable RecordList folded_codes_;

@@ -218,11 +218,16 @@ TEST_F(ApplicationReplaceTest, AReaderRecoversFirstAndWaitsWhileFilesSwitch) {
   EXPECT_EQ(Snapshot(dir_), Union(kNewApplication, kOtherFiles));
 }
 
-TEST_F(ApplicationReplaceTest, TemporariesOfLiveProcessesAreKept) {
+// The number of a process that has ended, as temporaries name it.
+std::string EndedProcessId() {
   const pid_t ended = ::fork();
   if (ended == 0) ::_exit(0);
   ::waitpid(ended, nullptr, 0);
-  const std::string dead = std::to_string(ended);
+  return std::to_string(ended);
+}
+
+TEST_F(ApplicationReplaceTest, TemporariesOfLiveProcessesAreKept) {
+  const std::string dead = EndedProcessId();
   const std::string alive = std::to_string(::getpid());
   const FileSet abandoned = {{"line4.V3.tmp-" + dead + "-2", "cut short"},
                              {"line4.rzt.tmp-" + dead + "-1", "cut short"},
@@ -250,10 +255,7 @@ TEST_F(ApplicationReplaceTest, TemporariesOfLiveProcessesAreKept) {
 // Any file written atomically (a result of `rzselect run -o`) loses the
 // temporaries of killed writers, and only those.
 TEST_F(ApplicationReplaceTest, AbandonedTemporariesOfAnyFileAreDeleted) {
-  const pid_t ended = ::fork();
-  if (ended == 0) ::_exit(0);
-  ::waitpid(ended, nullptr, 0);
-  const std::string dead = std::to_string(ended);
+  const std::string dead = EndedProcessId();
   const std::string alive = std::to_string(::getpid());
   const FileSet abandoned = {{"out.csv.tmp-" + dead + "-1", "cut short"},
                              {"out.csv.tmp-" + dead + "-7", "cut short"}};
